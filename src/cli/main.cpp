@@ -1,0 +1,7 @@
+#include <cstdio>
+
+int main()
+{
+    std::fprintf(stderr, "usage: krldv COMMAND [ARGS]\n");
+    return 2;
+}

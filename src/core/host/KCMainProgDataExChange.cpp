@@ -1,0 +1,3 @@
+#include "KCMainProgDataExChange.h"
+
+KCMainProgDataExChange *g_pMainProgDataExChange = nullptr;

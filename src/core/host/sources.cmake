@@ -1,0 +1,6 @@
+list(APPEND KRLDV_CORE_SOURCES
+  host/KCClassRegistry.cpp
+  host/KCFormat.cpp
+  host/KCHostStringTable.cpp
+  host/KCMainProgDataExChange.cpp
+)

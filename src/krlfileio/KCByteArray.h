@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// Growable byte storage that a reader loads into. The document's buffer implements it,
+// so a reader writes straight into the programmer buffer without an intermediate copy.
+// Calls are per record or per block, never per byte.
+class KCByteArray
+{
+public:
+    virtual ~KCByteArray() = default;
+
+    virtual uint64_t size() const = 0;
+    virtual uint8_t *data() = 0;
+    virtual const uint8_t *data() const = 0;
+
+    // Grows or shrinks to newSize, keeping the existing bytes; new bytes get `fill`.
+    // Returns false when the memory cannot be had; the content is then unchanged.
+    virtual bool resize(uint64_t newSize, uint8_t fill) = 0;
+};

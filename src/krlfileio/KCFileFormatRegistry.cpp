@@ -1,0 +1,63 @@
+#include "KCFileFormatRegistry.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace {
+
+template <class T>
+std::unique_ptr<KCFileFormat> make(KCFileMessage &sink)
+{
+    return std::make_unique<T>(sink);
+}
+
+std::string lower(std::string s)
+{
+    std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return std::tolower(c); });
+    return s;
+}
+
+} // namespace
+
+const std::vector<KCFileFormatInfo> &KCFileFormatRegistry::formats()
+{
+    // Order matters for detection: the more specific detectors come first.
+    static const std::vector<KCFileFormatInfo> table = {
+    };
+    return table;
+}
+
+const KCFileFormatInfo *KCFileFormatRegistry::byName(const std::string &name)
+{
+    const std::string n = lower(name);
+    for (const auto &f : formats())
+        if (n == f.name)
+            return &f;
+    return nullptr;
+}
+
+const KCFileFormatInfo *KCFileFormatRegistry::byExtension(const std::string &extension)
+{
+    const std::string ext = lower(extension);
+    if (ext.empty())
+        return nullptr;
+    for (const auto &f : formats()) {
+        const std::string list = f.extensions;
+        size_t start = 0;
+        while (start <= list.size()) {
+            const size_t bar = std::min(list.find('|', start), list.size());
+            if (list.compare(start, bar - start, ext) == 0 && bar - start == ext.size())
+                return &f;
+            start = bar + 1;
+        }
+    }
+    return nullptr;
+}
+
+const KCFileFormatInfo *KCFileFormatRegistry::detect(const uint8_t *data, size_t size)
+{
+    for (const auto &f : formats())
+        if (f.detect && f.detect(data, size))
+            return &f;
+    return nullptr;
+}
