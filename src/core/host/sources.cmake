@@ -3,4 +3,5 @@ list(APPEND KRLDV_CORE_SOURCES
   host/KCFormat.cpp
   host/KCHostStringTable.cpp
   host/KCMainProgDataExChange.cpp
+  host/KCMessageMarks.cpp
 )

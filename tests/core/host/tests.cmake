@@ -1,3 +1,4 @@
 list(APPEND KRLDV_CORE_TEST_SOURCES
   core/host/KCFormatTest.cpp
+  core/host/KCHostStringTableTest.cpp
 )

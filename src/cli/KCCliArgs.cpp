@@ -1,0 +1,78 @@
+#include "KCCliArgs.h"
+
+#include <cctype>
+
+KCCliArgs::KCCliArgs(const std::vector<std::string> &args, const std::set<std::string> &valueOptions,
+                     const std::set<std::string> &flagOptions)
+{
+    for (size_t i = 0; i < args.size(); ++i) {
+        const std::string &a = args[i];
+        if (a == "--help" || a == "-h") {
+            m_help = true;
+        } else if (a.size() > 2 && a.compare(0, 2, "--") == 0) {
+            std::string name = a.substr(2), inlineValue;
+            const size_t eq = name.find('=');
+            const bool hasInline = eq != std::string::npos;
+            if (hasInline) {
+                inlineValue = name.substr(eq + 1);
+                name.erase(eq);
+            }
+            if (valueOptions.count(name)) {
+                if (hasInline)
+                    m_values[name] = inlineValue;
+                else if (i + 1 < args.size())
+                    m_values[name] = args[++i];
+                else if (m_error.empty())
+                    m_error = "option --" + name + " needs a value";
+            } else if (flagOptions.count(name) && !hasInline) {
+                m_values[name] = "1";
+            } else if (m_error.empty()) {
+                m_error = "unknown option " + a;
+            }
+        } else {
+            m_positional.push_back(a);
+        }
+    }
+}
+
+std::string KCCliArgs::value(const std::string &option, const std::string &fallback) const
+{
+    const auto it = m_values.find(option);
+    return it == m_values.end() ? fallback : it->second;
+}
+
+bool KCCliArgs::parseNumber(const std::string &text, uint64_t &value, uint64_t max)
+{
+    size_t i = 0;
+    int base = 10;
+    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+        base = 16;
+        i = 2;
+    }
+    if (i >= text.size())
+        return false;
+    uint64_t v = 0;
+    for (; i < text.size(); ++i) {
+        const unsigned char c = static_cast<unsigned char>(text[i]);
+        unsigned digit;
+        if (std::isdigit(c))
+            digit = c - '0';
+        else if (base == 16 && std::isxdigit(c))
+            digit = static_cast<unsigned>(std::tolower(c) - 'a' + 10);
+        else
+            return false;
+        if (v > (max - digit) / base)
+            return false;
+        v = v * base + digit;
+    }
+    value = v;
+    return true;
+}
+
+bool KCCliArgs::parseRange(const std::string &text, uint64_t &start, uint64_t &end)
+{
+    const size_t colon = text.find(':');
+    if (colon == std::string::npos)
+        return false;
+    return parseNumber(text.substr(0, colon), start) && parseNumber(text.substr(colon + 1), end) && start <= end;
+}

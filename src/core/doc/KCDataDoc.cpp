@@ -1,0 +1,352 @@
+#include "KCDataDoc.h"
+
+#include "KCDocView.h"
+#include "KCHostStrings.h"
+#include "KCMainProgDataExChange.h"
+#include "KCFormat.h"
+#include "cBufferSum.h"
+
+#include <algorithm>
+
+#include <cstdlib>
+#include <emmintrin.h>
+
+namespace {
+
+// Most buffers the document keeps for a device.
+constexpr int MaxDeviceBuffers = 255;
+const char *const BufferLayoutFuseMap = "JEDVIEW";
+
+// A 32-bit address that stands for "not set". The design tests "negative as signed", which
+// for buffers up to 2 GiB is the same as being no address of the buffer; above that only the
+// all-ones value can mean "not set" without hiding real addresses.
+bool isUnsetAddress(uint32_t value, uint64_t bufferSize)
+{
+    if (bufferSize <= 0x80000000ull)
+        return static_cast<int32_t>(value) < 0;
+    return value == 0xFFFFFFFFu;
+}
+
+void swapBytePairs(uint8_t *p, uint64_t pairs)
+{
+    uint64_t i = 0;
+    for (; i + 8 <= pairs; i += 8) {
+        __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + 2 * i));
+        v = _mm_or_si128(_mm_slli_epi16(v, 8), _mm_srli_epi16(v, 8));
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(p + 2 * i), v);
+    }
+    for (; i < pairs; ++i) {
+        const uint8_t t = p[2 * i];
+        p[2 * i] = p[2 * i + 1];
+        p[2 * i + 1] = t;
+    }
+}
+
+} // namespace
+
+uint32_t KCDataDoc::mDocBufferId = 0;
+LOADSAVE_FILETYPE KCDataDoc::nOpenInitLoadFileType = LS_BINARY;
+FILTERTYPE KCDataDoc::nOpenInitLoadFilterType = FILTER_ALL;
+
+unsigned long KCDataDoc::getNewDocBufferId()
+{
+    return ++mDocBufferId;
+}
+
+KCDataDoc::KCDataDoc() : m_host(g_pMainProgDataExChange)
+{
+    // The document cannot exist without its host.
+    if (!m_host)
+        std::exit(0);
+
+    const unsigned long id = getNewDocBufferId();
+    m_algoParam = std::make_unique<cAlgoParam>(id, m_host->GetHardwareParam(), m_host->GetMainObject(),
+                                               MaxDeviceBuffers);
+    m_algoParam->setDeviceName(m_host->GetNoDeviceName());
+    m_algoParam->addBuffer(m_host->GetDefaultBufferSize(), m_host->GetFillByte());
+
+    m_bufferParams.push_back(std::make_unique<TAG_BUFFER_PARAM>());
+    TAG_DATADOC_VIEWITEM main;
+    main.bufferId = static_cast<int>(id);
+    main.bufferParam = m_bufferParams.front().get();
+    main.kind = VIEWITEM_KIND_BUFFERVIEW;
+    main.number = 0;
+    m_viewItems.push_back(main);
+}
+
+KCDataDoc::~KCDataDoc() = default;
+
+bool KCDataDoc::OnNewDocument()
+{
+    if (m_host->GetOpenDataDocumentCount() > 1) {
+        m_host->MessageBox(m_host->GetHostString(KCHostStrings::OneBufferDocumentOnly), KCPrompt::MB_OK);
+        return false;
+    }
+    if (!KCDocBase::OnNewDocument())
+        return false;
+    m_ownPathName.clear();
+    UpdateTitle();
+    return true;
+}
+
+void KCDataDoc::OnCloseDocument()
+{
+    KCDocBase::OnCloseDocument();
+    nOpenInitLoadFileType = LS_BINARY;
+    nOpenInitLoadFilterType = FILTER_ALL;
+}
+
+unsigned char KCDataDoc::GetData(uint32_t addr) const
+{
+    return m_algoParam->buffer(0).GetAt(addr);
+}
+
+void KCDataDoc::SetData(unsigned char value, uint32_t addr)
+{
+    cByteBuffer &buf = m_algoParam->buffer(0);
+    const unsigned char old = buf.GetAt(addr);
+    if (old == value)
+        return;
+    buf.SetAt(addr, value);
+    SetModifiedFlag(1);
+    UpdateCheckSum(old, value, addr, -1);
+}
+
+unsigned short KCDataDoc::GetDataWord(uint32_t wordIndex) const
+{
+    const uint64_t a = 2 * uint64_t(wordIndex);
+    const cByteBuffer &buf = m_algoParam->buffer(0);
+    return static_cast<unsigned short>(buf.GetAt(a) | (buf.GetAt(a + 1) << 8));
+}
+
+void KCDataDoc::SetDataWord(unsigned short value, uint32_t wordIndex)
+{
+    if (GetDataWord(wordIndex) == value)
+        return;
+    const uint64_t a = 2 * uint64_t(wordIndex);
+    cByteBuffer &buf = m_algoParam->buffer(0);
+    const unsigned char oldLow = buf.GetAt(a);
+    const unsigned char oldHigh = buf.GetAt(a + 1);
+    const unsigned char low = static_cast<unsigned char>(value & 0xFF);
+    const unsigned char high = static_cast<unsigned char>(value >> 8);
+    buf.SetAt(a, low);
+    buf.SetAt(a + 1, high);
+    SetModifiedFlag(1);
+    UpdateCheckSum(oldLow, low, static_cast<unsigned long>(a), -1);
+    UpdateCheckSum(oldHigh, high, static_cast<unsigned long>(a + 1), -1);
+}
+
+int KCDataDoc::FlipBytes(uint32_t from, uint32_t to)
+{
+    cByteBuffer &buf = m_algoParam->buffer(0);
+    if (from >= to || to >= buf.size() || (to - from) % 2 == 0)
+        return 0;
+    if (uint8_t *p = buf.data())
+        swapBytePairs(p + from, (uint64_t(to) - from + 1) / 2);
+    return 1;
+}
+
+void KCDataDoc::OnSwapbytes()
+{
+    const std::string text = m_host->GetHostString(KCHostStrings::SwapBytesPrompt);
+    if (m_host->MessageBox(text, KCPrompt::MB_OKCANCEL | KCPrompt::MB_ICONEXCLAMATION) != KCPrompt::IDOK)
+        return;
+    m_host->BeginWaitCursor();
+    const uint64_t size = GetBufferSize();
+    // A byte sum does not change under a swap: the checksum stays as it is.
+    if (size > 0)
+        FlipBytes(0, static_cast<uint32_t>(size - 1));
+    SetModifiedFlag(1);
+    UpdateAllViews(nullptr, DOCHINT_ALL);
+    m_host->EndWaitCursor();
+}
+
+TAG_BUFFER_PARAM *KCDataDoc::TF_GetBufferParam(int *bufferId, TAG_DATADOC_VIEWITEM *item, int *index, int view)
+{
+    if (view == -1)
+        view = TF_GetSelectIndex();
+    int chosen = -1;
+    if (view >= 0 && static_cast<size_t>(view) < m_viewItems.size() && m_viewItems[view].isBufferView())
+        chosen = view;
+    else if (!m_viewItems.empty())
+        chosen = 0;
+    if (chosen < 0)
+        return nullptr;
+    const TAG_DATADOC_VIEWITEM &found = m_viewItems[chosen];
+    if (bufferId)
+        *bufferId = found.bufferId;
+    if (item)
+        *item = found;
+    if (index)
+        *index = chosen;
+    return found.bufferParam;
+}
+
+int KCDataDoc::TF_GetMainBufferId() const
+{
+    return m_viewItems.empty() ? -1 : m_viewItems.front().bufferId;
+}
+
+unsigned long KCDataDoc::ComputeCheckSum(int view)
+{
+    TAG_DATADOC_VIEWITEM item;
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, &item, nullptr, view);
+    if (!param)
+        return 0xFFFFFFFF;
+    const cByteBuffer &buf = m_algoParam->buffer(0);
+    const uint64_t size = buf.size();
+    if (size == 0)
+        return 0;
+
+    uint32_t start, end;
+    if (HasDeviceX()) {
+        start = m_algoParam->algoUiData().BSA;
+        end = m_algoParam->algoUiData().BEA;
+    } else {
+        start = param->LBSA;
+        end = param->LBEA;
+    }
+    if (isUnsetAddress(start, size)) {
+        start = 0;
+        end = static_cast<uint32_t>(size - 1);
+    }
+    if (start >= size || end >= size || isUnsetAddress(end, size) || start > end) {
+        PrintCheckSumInvalid();
+        return 0;
+    }
+
+    const bool fuseMap = item.view && item.view->isDataView() && item.view->GetBufferLayoutName() == BufferLayoutFuseMap;
+    param->checksumKind = fuseMap ? CHECKSUM_KIND_FUSEMAP : CHECKSUM_KIND_BYTESUM;
+    const uint64_t count = uint64_t(end) - start + 1;
+    const uint32_t sum = fuseMap ? cBufferSum::fuseSum(buf.data() + start, count, start)
+                                 : cBufferSum::byteSum(buf.data() + start, count);
+    param->checksumStart = start;
+    param->checksumEnd = end;
+    param->checksum = sum;
+    PrintCheckSum(-1);
+    return sum;
+}
+
+unsigned int KCDataDoc::GetCheckSum(unsigned int from, unsigned int to)
+{
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    if (!param)
+        return 0xFFFFFFFF;
+    const cByteBuffer &buf = m_algoParam->buffer(0);
+    // `to == size` passes the bound; the address one past the end contributes nothing.
+    if (from > to || to > buf.size())
+        return 0;
+    const uint64_t last = std::min<uint64_t>(to, buf.size() - 1);
+    if (buf.size() == 0 || from > last)
+        return 0;
+    const uint64_t count = last - from + 1;
+    switch (param->checksumKind) {
+    case CHECKSUM_KIND_BYTESUM:
+        return cBufferSum::byteSum(buf.data() + from, count);
+    case CHECKSUM_KIND_FUSEMAP:
+        return cBufferSum::fuseSum(buf.data() + from, count, from);
+    default:
+        return 0;
+    }
+}
+
+void KCDataDoc::UpdateCheckSum(unsigned long oldValue, unsigned long newValue, unsigned long addr, int view)
+{
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, view);
+    if (!param || addr < param->checksumStart || addr > param->checksumEnd)
+        return;
+    if (param->checksumKind == CHECKSUM_KIND_FUSEMAP) {
+        // Any nonzero value counts the fuse once more, whatever was there before.
+        const uint32_t weight = 1u << (addr & 7);
+        if (newValue != 0)
+            param->checksum += weight;
+        else
+            param->checksum -= weight;
+    } else {
+        param->checksum += static_cast<uint32_t>(newValue - oldValue);
+    }
+    PrintCheckSum(-1);
+}
+
+void KCDataDoc::PrintCheckSum(int view)
+{
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, view);
+    if (!param)
+        return;
+    const uint32_t c = param->checksum;
+    std::string text;
+    if (param->checksumKind == CHECKSUM_KIND_BYTESUM) {
+        const std::string fmt = m_host->GetHostString(KCHostStrings::ChecksumBytes);
+        text = KCFormat::format(fmt, {param->checksumStart, param->checksumEnd, int(c >> 24), int((c >> 16) & 0xFF),
+                                      int((c >> 8) & 0xFF), int(c & 0xFF)});
+    } else if (param->checksumKind == CHECKSUM_KIND_FUSEMAP) {
+        const std::string fmt = m_host->GetHostString(KCHostStrings::ChecksumFuse);
+        text = KCFormat::format(fmt, {param->checksumStart, param->checksumEnd, int((c >> 8) & 0xFF), int(c & 0xFF)});
+    } else {
+        return;
+    }
+    m_host->SetStatusBarText(STATUSPANE_CHECKSUM, text);
+}
+
+void KCDataDoc::PrintCheckSumInvalid()
+{
+    m_host->SetStatusBarText(STATUSPANE_CHECKSUM, m_host->GetHostString(KCHostStrings::ChecksumInvalid));
+}
+
+void KCDataDoc::SetDeviceItemX(const DEVICE_KRLXDEF_ITEM *item)
+{
+    if (item)
+        m_deviceItem = *item;
+}
+
+int KCDataDoc::HasDeviceX() const
+{
+    if (m_algoParam->deviceName() == m_host->GetNoDeviceName())
+        return 0;
+    return static_cast<int>(m_algoParam->algoUiData().deviceRangeValid);
+}
+
+std::string KCDataDoc::GetDeviceName() const
+{
+    return m_deviceItem.name.empty() ? m_algoParam->deviceName() : m_deviceItem.name;
+}
+
+uint32_t KCDataDoc::GetDeviceType() const
+{
+    return m_deviceItem.type ? m_deviceItem.type : m_algoParam->deviceType();
+}
+
+void KCDataDoc::SetModifiedFlag(int modified)
+{
+    const bool changed = (IsModified() != 0) != (modified != 0);
+    KCDocBase::SetModifiedFlag(modified);
+    if (changed)
+        UpdateAllViews(nullptr, DOCHINT_MODIFIED_FLAG);
+}
+
+void KCDataDoc::SetPathName(const std::string &path, bool addToMru)
+{
+    if (m_projectFlag == 0)
+        m_ownPathName = path;
+    KCDocBase::SetPathName(path, addToMru && m_projectFlag == 0);
+    UpdateTitle();
+}
+
+std::string KCDataDoc::GetFileName() const
+{
+    if (m_ownPathName.empty())
+        return m_host->GetHostString(KCHostStrings::Untitled);
+    const size_t sep = m_ownPathName.find_last_of("/\\");
+    return sep == std::string::npos ? m_ownPathName : m_ownPathName.substr(sep + 1);
+}
+
+std::string KCDataDoc::GetFilePath() const
+{
+    const size_t sep = m_ownPathName.find_last_of("/\\");
+    return sep == std::string::npos ? std::string() : m_ownPathName.substr(0, sep + 1);
+}
+
+void KCDataDoc::UpdateTitle()
+{
+    SetTitle(GetFileName());
+}

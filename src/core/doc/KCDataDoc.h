@@ -1,0 +1,114 @@
+#pragma once
+
+#include "DEVICE_KRLXDEF_ITEM.h"
+#include "KCDocBase.h"
+#include "KCFileTypes.h"
+#include "TAG_BUFFER_PARAM.h"
+#include "TAG_DATADOC_VIEWITEM.h"
+#include "cAlgoParam.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+class KCMainProgDataExChange;
+
+// Hints passed to the views by UpdateAllViews.
+enum : long {
+    DOCHINT_ALL = 0,           // redraw everything
+    DOCHINT_MODIFIED_FLAG = 1, // only the modified state changed
+    DOCHINT_DATA = 2,          // buffer bytes changed
+};
+
+// The programmer-buffer document: owns the device's buffers (through cAlgoParam), the
+// workspace-tree items and the per-buffer load/save and checksum state. Every change of a
+// buffer byte goes through SetData/SetDataWord, which keep the modified flag and the
+// running checksum right.
+class KCDataDoc : public KCDocBase
+{
+public:
+    KCDataDoc();
+    ~KCDataDoc() override;
+
+    // Document-buffer ids and the presets of the open dialog.
+    static uint32_t mDocBufferId;
+    static unsigned long getNewDocBufferId();
+    static LOADSAVE_FILETYPE nOpenInitLoadFileType;
+    static FILTERTYPE nOpenInitLoadFilterType;
+
+    bool OnNewDocument() override;
+    void OnCloseDocument() override;
+
+    // Data access; addresses are byte indices into buffer 0.
+    unsigned char GetData(uint32_t addr) const;
+    unsigned char GetDataByte(uint32_t addr) const { return GetData(addr); }
+    void SetData(unsigned char value, uint32_t addr);
+    void SetDataByte(unsigned char value, uint32_t addr) { SetData(value, addr); }
+    unsigned short GetDataWord(uint32_t wordIndex) const;
+    void SetDataWord(unsigned short value, uint32_t wordIndex);
+    int FlipBytes(uint32_t from, uint32_t to);
+    void OnSwapbytes();
+    uint64_t GetBufferSize() const { return m_algoParam->buffer(0).size(); }
+
+    cAlgoParam &AlgoParam() { return *m_algoParam; }
+    const cAlgoParam &AlgoParam() const { return *m_algoParam; }
+
+    // Workspace-tree items.
+    std::vector<TAG_DATADOC_VIEWITEM> &viewItems() { return m_viewItems; }
+    const std::vector<TAG_DATADOC_VIEWITEM> &viewItems() const { return m_viewItems; }
+    TAG_BUFFER_PARAM *mainBufferParam() { return m_bufferParams.front().get(); }
+    // The current tab of the document's window, -1 without one.
+    int TF_GetSelectIndex() const { return m_selectIndex; }
+    void TF_SetSelectIndex(int index) { m_selectIndex = index; }
+    TAG_BUFFER_PARAM *TF_GetBufferParam(int *bufferId, TAG_DATADOC_VIEWITEM *item, int *index, int view);
+    int TF_GetMainBufferId() const;
+
+    // Checksum.
+    unsigned long ComputeCheckSum(int view);
+    unsigned int GetCheckSum(unsigned int from, unsigned int to);
+    void UpdateCheckSum(unsigned long oldValue, unsigned long newValue, unsigned long addr, int view);
+    void PrintCheckSum(int view);
+    void PrintCheckSumInvalid();
+
+    // Device binding.
+    void SetDeviceItemX(const DEVICE_KRLXDEF_ITEM *item);
+    void ResetDeviceItemX() { m_deviceItem = DEVICE_KRLXDEF_ITEM(); }
+    const DEVICE_KRLXDEF_ITEM &GetDeviceItemX() const { return m_deviceItem; }
+    int HasDeviceX() const;
+    std::string GetDeviceName() const;
+    uint32_t GetDeviceType() const;
+
+    // Modified flag, path and titles.
+    void SetModifiedFlag(int modified = 1) override;
+    int IsModified() const override { return KCDocBase::IsModified(); }
+    void SetPathName(const std::string &path, bool addToMru = true) override;
+    const std::string &getPathName() const { return m_ownPathName; }
+    void setPathName(const std::string &path) { m_ownPathName = path; }
+    bool HavePathName() const { return !m_ownPathName.empty(); }
+    std::string GetFileName() const;
+    std::string GetFilePath() const;
+    void UpdateTitle();
+
+    int GetKPFFileFlag() const { return m_projectFlag; }
+    void SetKPFFileFlag(int flag) { m_projectFlag = flag; }
+    int GetLoadOkFlag() const { return m_loadOk; }
+    void SetLoadOkFlag(int flag) { m_loadOk = flag; }
+    bool CanDoAction() const { return m_actionLock == 0; }
+    void SetActionLock(int lock) { m_actionLock = lock; }
+
+    KCMainProgDataExChange *host() const { return m_host; }
+
+private:
+    KCMainProgDataExChange *m_host;
+    int m_projectFlag = 0;
+    int m_reserved = 0;
+    int m_loadOk = 0;
+    std::vector<TAG_DATADOC_VIEWITEM> m_viewItems;
+    std::vector<std::unique_ptr<TAG_BUFFER_PARAM>> m_bufferParams;
+    DEVICE_KRLXDEF_ITEM m_deviceItem;
+    std::unique_ptr<cAlgoParam> m_algoParam;
+    int m_actionLock = 0;
+    std::string m_ownPathName;
+    int m_selectIndex = -1;
+};

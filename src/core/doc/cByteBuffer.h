@@ -1,0 +1,37 @@
+#pragma once
+
+#include "KCByteArray.h"
+
+#include <cstddef>
+#include <cstdint>
+
+// One device data buffer: up to several GiB of bytes in anonymous memory mappings, so a
+// large buffer costs nothing until it is touched and grows without copying.
+class cByteBuffer : public KCByteArray
+{
+public:
+    cByteBuffer() = default;
+    explicit cByteBuffer(uint64_t size, uint8_t fill = 0xFF);
+    ~cByteBuffer() override;
+    cByteBuffer(const cByteBuffer &) = delete;
+    cByteBuffer &operator=(const cByteBuffer &) = delete;
+
+    uint64_t size() const override { return m_size; }
+    uint8_t *data() override { return m_data; }
+    const uint8_t *data() const override { return m_data; }
+    bool resize(uint64_t newSize, uint8_t fill) override;
+
+    uint64_t GetSize() const { return m_size; }
+    uint8_t GetAt(uint64_t addr) const { return m_data[addr]; }
+    void SetAt(uint64_t addr, uint8_t value) { m_data[addr] = value; }
+    uint8_t *GetData() { return m_data; }
+    const uint8_t *GetData() const { return m_data; }
+    // Sets bytes start..end inclusive, clipped to the buffer.
+    void Fill(uint64_t start, uint64_t end, uint8_t value);
+
+private:
+    uint8_t *m_data = nullptr;
+    uint64_t m_size = 0;
+    uint64_t m_capacity = 0;
+    uint64_t m_used = 0; // bytes of the mapping ever inside the buffer
+};

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <string>
+
+// An open serial definition file. A consumer opens it read-write and holds an exclusive
+// open-file-description lock from open to close; the kernel drops that lock when the
+// descriptor closes, also when the holding process dies. Readers take no lock.
+class cSerialDefFile
+{
+public:
+    enum OpenResult { Opened, Missing, Cancelled, Failed };
+
+    cSerialDefFile() = default;
+    ~cSerialDefFile();
+    cSerialDefFile(const cSerialDefFile &) = delete;
+    cSerialDefFile &operator=(const cSerialDefFile &) = delete;
+
+    // With `exclusive`, opens read-write and waits until the lock is free or `cancel` is set.
+    OpenResult open(const std::string &path, bool exclusive, const std::atomic<bool> &cancel);
+    bool isOpen() const { return m_fd >= 0; }
+    bool isExclusive() const { return m_exclusive; }
+
+    // The whole file; fails on files larger than `maxSize`. Without the lock a writer may be
+    // rewriting the file meanwhile, so the file is read until two reads agree.
+    bool readAll(std::string *text, size_t maxSize) const;
+    // One write of the whole text at offset 0, truncation to its length, flush to disk.
+    bool replaceAll(const std::string &text);
+    bool close();
+
+    // Creates `path` holding `text` unless it exists already (true then too). Other
+    // stations see the file complete or not at all.
+    static bool createComplete(const std::string &path, const std::string &text);
+
+private:
+    bool readOnce(std::string *text, size_t maxSize) const;
+    bool waitForLock(const std::atomic<bool> &cancel);
+
+    int m_fd = -1;
+    bool m_exclusive = false;
+};
