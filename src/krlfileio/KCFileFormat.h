@@ -26,6 +26,9 @@ struct KCLoadOptions
     uint64_t fileOffset = 0;                 // binary: first file byte read
     uint64_t headerBytes = 0;                // OTP: bytes skipped before the image
     uint64_t expectedSize = 0;               // OTP: expected image size, 0 = not known
+    uint64_t bufferOffset = 0;               // binary: buffer offset that receives the first byte read
+    bool ignoreChecksums = false;            // "load anyway": a checksum mismatch only warns
+    bool tiTaggedWordAddress = false;        // TI-Tagged: tag-9 addresses count 16-bit words
 };
 
 struct KCLoadResult
@@ -56,6 +59,8 @@ struct KCSaveOptions
     unsigned bytesPerRecord = 16;  // Intel and Motorola data bytes per record
     bool crlf = true;              // line end CR LF (default) or LF
     std::string header;            // Motorola S0 text, JEDEC header note
+    bool hasEntryPoint = false;    // Intel 05 / Motorola S7-S9 execution start address
+    uint32_t entryPoint = 0;
 };
 
 // Where a writer sends its output; the writer hands over large blocks.

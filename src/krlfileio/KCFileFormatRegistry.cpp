@@ -1,4 +1,8 @@
 #include "KCFileFormatRegistry.h"
+#include "KCBinFile.h"
+#include "KCHexFileIntel.h"
+#include "KCHexFileMotorola.h"
+#include "KCHexFileTI.h"
 
 #include <algorithm>
 #include <cctype>
@@ -23,6 +27,10 @@ const std::vector<KCFileFormatInfo> &KCFileFormatRegistry::formats()
 {
     // Order matters for detection: the more specific detectors come first.
     static const std::vector<KCFileFormatInfo> table = {
+        {"intel", "Intel HEX", "hex|ihx|ihex", true, KCHexFileIntel::detect, make<KCHexFileIntel>},
+        {"motorola", "Motorola S-record", "mhx|ms1|ms2|ms3|s1|s2|s3|srec|mot|s19|s28|s37|sx", true, KCHexFileMotorola::detect, make<KCHexFileMotorola>},
+        {"ti", "TI-TXT or TI-Tagged", "ti", false, KCHexFileTI::detect, make<KCHexFileTI>},
+        {"bin", "Raw binary", "bin", true, nullptr, make<KCBinFile>},
     };
     return table;
 }
