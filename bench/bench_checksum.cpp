@@ -1,0 +1,122 @@
+// ComputeCheckSum (byte and fuse kind) over a 256 MiB buffer, measured in the same run as
+// the physical limits on the same memory: memset (write) and memchr (read, never matching),
+// and a plain byte-sum loop as the compiler builds it at this optimisation level.
+#include "KCDataDoc.h"
+#include "KCDocView.h"
+#include "KCMainProgDataExChange.h"
+#include "cBufferSum.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <random>
+
+namespace {
+
+constexpr uint64_t BufferSize = 256ull << 20;
+
+class BenchHost : public KCMainProgDataExChange
+{
+public:
+    void ShowMessage(const std::string &, uint32_t, uint32_t, int) override {}
+    std::string GetHostString(unsigned) const override { return "%08X %08X %02X%02X%02X%02X"; }
+    void SetStatusBarText(unsigned, const std::string &) override {}
+    int MessageBox(const std::string &, unsigned) override { return KCPrompt::IDOK; }
+    int GetOpenDataDocumentCount() const override { return 1; }
+    std::string GetNoDeviceName() const override { return "none"; }
+    uint64_t GetDefaultBufferSize() const override { return BufferSize; }
+    uint8_t GetFillByte() const override { return 0xFF; }
+    std::string GetLastDirectory() const override { return {}; }
+    void SetLastDirectory(const std::string &) override {}
+};
+
+class LayoutView : public KCDocView
+{
+public:
+    explicit LayoutView(const char *layout) : m_layout(layout) {}
+    void OnUpdate(KCDocView *, long) override {}
+    bool isDataView() const override { return true; }
+    std::string GetBufferLayoutName() const override { return m_layout; }
+
+private:
+    const char *m_layout;
+};
+
+KCDataDoc &document()
+{
+    static BenchHost host;
+    static KCDataDoc *doc = [] {
+        g_pMainProgDataExChange = &host;
+        auto *d = new KCDataDoc;
+        std::mt19937_64 rng(1);
+        uint8_t *p = d->AlgoParam().buffer(0).data();
+        for (uint64_t i = 0; i < BufferSize; i += 8) {
+            const uint64_t v = rng() & 0x0101010101010101ull; // fuse-like 0/1 bytes, half set
+            std::memcpy(p + i, &v, 8);
+        }
+        return d;
+    }();
+    return *doc;
+}
+
+void setBytes(benchmark::State &state)
+{
+    state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(BufferSize));
+}
+
+void BM_ComputeCheckSum_Byte(benchmark::State &state)
+{
+    KCDataDoc &doc = document();
+    LayoutView view("BYTEVIEW");
+    doc.viewItems()[0].view = &view;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(doc.ComputeCheckSum(-1));
+    doc.viewItems()[0].view = nullptr;
+    setBytes(state);
+}
+
+void BM_ComputeCheckSum_Fuse(benchmark::State &state)
+{
+    KCDataDoc &doc = document();
+    LayoutView view("JEDVIEW");
+    doc.viewItems()[0].view = &view;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(doc.ComputeCheckSum(-1));
+    doc.viewItems()[0].view = nullptr;
+    setBytes(state);
+}
+
+void BM_PlainByteSumLoop(benchmark::State &state)
+{
+    const uint8_t *p = document().AlgoParam().buffer(0).data();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(cBufferSum::byteSumReference(p, BufferSize));
+    setBytes(state);
+}
+
+void BM_Memchr(benchmark::State &state)
+{
+    const uint8_t *p = document().AlgoParam().buffer(0).data();
+    for (auto _ : state)
+        benchmark::DoNotOptimize(std::memchr(p, 0xAA, BufferSize)); // 0xAA never occurs
+    setBytes(state);
+}
+
+void BM_Memset(benchmark::State &state)
+{
+    static std::vector<uint8_t> scratch(BufferSize);
+    for (auto _ : state) {
+        std::memset(scratch.data(), int(state.iterations() & 1), BufferSize);
+        benchmark::ClobberMemory();
+    }
+    setBytes(state);
+}
+
+} // namespace
+
+BENCHMARK(BM_Memset)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Memchr)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_PlainByteSumLoop)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ComputeCheckSum_Byte)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_ComputeCheckSum_Fuse)->Unit(benchmark::kMillisecond);
+BENCHMARK_MAIN();

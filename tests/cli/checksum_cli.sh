@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# krldv checksum against an independent byte sum, and its exit statuses.
+set -u
+KRLDV="$1"
+T="$(mktemp -d)"; trap 'rm -rf "$T"' EXIT
+fail=0
+check() { if [ "$2" != "$3" ]; then echo "FAIL $1: got '$2', expected '$3'"; fail=1; fi; }
+
+head -c $((64 * 1024 * 1024)) /dev/urandom > "$T/big.bin"
+expected=$(od -An -v -tu1 -w65536 "$T/big.bin" | awk '{for (i = 1; i <= NF; i++) s += $i} END {printf "0x%08X", s % 4294967296}')
+check "64 MiB byte sum" "$("$KRLDV" checksum "$T/big.bin")" "$expected"
+
+printf '\x01\x00\x01\x01\xff\x00\x00\x80\x01\x00\x01\x01' > "$T/fuse.bin"
+# fuses at 0,2,3,4,7 -> 1+4+8+16+128; at 8,10,11 -> 1+4+8
+check "fuse sum" "$("$KRLDV" checksum "$T/fuse.bin" --kind fuse)" "0x000000AA"
+check "fuse sum of a range" "$("$KRLDV" checksum "$T/fuse.bin" --kind fuse --range 8:0xB)" "0x0000000D"
+check "byte sum of a range" "$("$KRLDV" checksum "$T/fuse.bin" --range 4:7)" "0x0000017F"
+
+"$KRLDV" checksum >/dev/null 2>&1; check "no file" "$?" 2
+"$KRLDV" checksum "$T/fuse.bin" --kind bits >/dev/null 2>&1; check "bad kind" "$?" 2
+"$KRLDV" checksum "$T/fuse.bin" --range 5:2 >/dev/null 2>&1; check "reversed range" "$?" 2
+"$KRLDV" checksum "$T/fuse.bin" --bogus >/dev/null 2>&1; check "unknown option" "$?" 2
+msg=$("$KRLDV" checksum "$T/missing.bin" 2>&1); check "missing file" "$?" 1
+case "$msg" in *"$T/missing.bin"*) ;; *) echo "FAIL message does not name the file: $msg"; fail=1 ;; esac
+msg=$("$KRLDV" checksum "$T/fuse.bin" --range 0:12 2>&1); check "range beyond the data" "$?" 1
+case "$msg" in *fuse.bin*) ;; *) echo "FAIL message does not name the file: $msg"; fail=1 ;; esac
+"$KRLDV" checksum --help | grep -q "usage: krldv checksum" || { echo "FAIL --help"; fail=1; }
+exit $fail
