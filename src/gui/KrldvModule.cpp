@@ -1,23 +1,71 @@
 #include "KrldvModule.h"
 
 #include "KCClassRegistry.h"
+#include "KCDataDoc.h"
+#include "KCUiAdrDataManager.h"
+
+#include <string>
+#include <vector>
 
 namespace {
+
 bool g_attached = false;
+
+struct ClassEntry
+{
+    const char *name;
+    const char *baseName;
+    KCClassRegistry::Factory create;
+};
+
+// The library's exported classes: a row each.
+std::vector<ClassEntry> exportedClasses()
+{
+    return {
+        {"KCDocBase", "", [] { return static_cast<void *>(new KCDocBase); }},
+        {"KCDataDoc", "KCDocBase", [] { return static_cast<void *>(new KCDataDoc); }},
+        {"KCUiAdrDataManager", "", [] { return static_cast<void *>(new KCUiAdrDataManager); }},
+    };
 }
+
+bool attach()
+{
+    KCClassRegistry &registry = KCClassRegistry::instance();
+    std::vector<std::string> done;
+    for (const ClassEntry &c : exportedClasses()) {
+        if (!registry.registerClass(c.name, c.baseName, c.create)) {
+            for (const std::string &name : done)
+                registry.unregisterClass(name);
+            return false;
+        }
+        done.push_back(c.name);
+    }
+    return true;
+}
+
+void detach()
+{
+    KCClassRegistry &registry = KCClassRegistry::instance();
+    for (const ClassEntry &c : exportedClasses())
+        registry.unregisterClass(c.name);
+}
+
+} // namespace
 
 extern "C" int krldvModuleEntry(int reason)
 {
-    KCClassRegistry &registry = KCClassRegistry::instance();
-    if (reason == KRLDV_MODULE_ATTACH) {
-        if (g_attached)
+    switch (reason) {
+    case KRLDV_MODULE_ATTACH:
+        if (g_attached || !attach())
             return 0;
         g_attached = true;
         return 1;
-    }
-    if (reason == KRLDV_MODULE_DETACH && g_attached) {
-        registry.clear();
+    case KRLDV_MODULE_DETACH:
+        if (g_attached)
+            detach();
         g_attached = false;
+        return 1;
+    default:
+        return 1;
     }
-    return 1;
 }
