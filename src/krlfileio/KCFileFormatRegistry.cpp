@@ -3,6 +3,10 @@
 #include "KCHexFileIntel.h"
 #include "KCHexFileMotorola.h"
 #include "KCHexFileTI.h"
+#include "KCJedecFile.h"
+#include "KCStaplFile.h"
+#include "KCSvfFile.h"
+#include "KCBinFileOTP.h"
 
 #include <algorithm>
 #include <cctype>
@@ -30,6 +34,10 @@ const std::vector<KCFileFormatInfo> &KCFileFormatRegistry::formats()
         {"intel", "Intel HEX", "hex|ihx|ihex", true, KCHexFileIntel::detect, make<KCHexFileIntel>},
         {"motorola", "Motorola S-record", "mhx|ms1|ms2|ms3|s1|s2|s3|srec|mot|s19|s28|s37|sx", true, KCHexFileMotorola::detect, make<KCHexFileMotorola>},
         {"ti", "TI-TXT or TI-Tagged", "ti", false, KCHexFileTI::detect, make<KCHexFileTI>},
+        {"jedec", "JEDEC fuse map", "jed", true, KCJedecFile::detect, make<KCJedecFile>},
+        {"stapl", "STAPL File", "stp|jam", false, KCStaplFile::detect, make<KCStaplFile>},
+        {"svf", "Serial Vector Format", "svf", false, KCSvfFile::detect, make<KCSvfFile>},
+        {"otp", "Holtek OTP-File", "otp", false, nullptr, make<KCBinFileOTP>},
         {"bin", "Raw binary", "bin", true, nullptr, make<KCBinFile>},
     };
     return table;

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "KCFileFormat.h"
+
+// JEDEC fuse maps: buffer offset n holds fuse n as 0 or 1 (the file address of a fuse is
+// its number). The reader checks the fuse checksum and the transmission checksum and
+// fills the JEDEC fields of KCLoadResult; the writer frames the map in STX ... ETX.
+// KCSaveOptions::header is the device name put into the design specification.
+class KCJedecFile : public KCFileFormat
+{
+public:
+    static constexpr const char *kVersionStamp = "2.06.23";
+    // No programmable logic device comes near this; a larger QF is a damaged file, and
+    // refusing it keeps a tiny file from demanding gigabytes.
+    static constexpr uint64_t kMaxFuseCount = uint64_t(1) << 26;
+    static constexpr unsigned kFusesPerRow = 64;
+
+    using KCFileFormat::KCFileFormat;
+
+    KCLoadResult Load(const KCInputFile &file, KCByteArray &target, const KCLoadOptions &options) override;
+
+    bool canSave() const override { return true; }
+    bool Save(KCOutputStream &out, const std::string &fileName, const uint8_t *data, uint64_t size,
+              const KCSaveOptions &options) override;
+
+    static bool detect(const uint8_t *data, size_t size);
+};

@@ -1,0 +1,11 @@
+list(APPEND KRLFILEIO_SOURCES
+  KCBinFileOTP.cpp
+  KCDeviceText.cpp
+  KCJedecChecksum.cpp
+  KCJedecFile.cpp
+  KCStaplCheck.cpp
+  KCStaplCrc.cpp
+  KCStaplFile.cpp
+  KCSvfFile.cpp
+  KCSvfSyntaxCheck.cpp
+)
