@@ -9,6 +9,8 @@
 class KCJedecFile : public KCFileFormat
 {
 public:
+    static constexpr uint8_t kStx = 0x02;
+    static constexpr uint8_t kEtx = 0x03;
     static constexpr const char *kVersionStamp = "2.06.23";
     // No programmable logic device comes near this; a larger QF is a damaged file, and
     // refusing it keeps a tiny file from demanding gigabytes.

@@ -3,6 +3,7 @@ list(APPEND KRLFILEIO_SOURCES
   KCDeviceText.cpp
   KCJedecChecksum.cpp
   KCJedecFile.cpp
+  KCJedecReader.cpp
   KCStaplCheck.cpp
   KCStaplCrc.cpp
   KCStaplFile.cpp
