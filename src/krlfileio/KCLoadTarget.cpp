@@ -7,7 +7,7 @@
 namespace {
 
 // Smallest growth step, so that many small records do not cause many reallocations.
-constexpr uint64_t kMinGrowth = uint64_t(1) << 20;
+constexpr uint64_t kMinGrowth = uint64_t(1) << 16;
 
 } // namespace
 

@@ -1,0 +1,8 @@
+list(APPEND KRLFILEIO_TEST_SOURCES
+  KCLoadTargetTest.cpp
+  KCHexFileIntelTest.cpp
+  KCHexFileMotorolaTest.cpp
+  KCHexFileTITest.cpp
+  KCBinFileTest.cpp
+  KCMalformedInputTest.cpp
+)
