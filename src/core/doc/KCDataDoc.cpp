@@ -66,6 +66,9 @@ KCDataDoc::KCDataDoc() : m_host(g_pMainProgDataExChange)
     m_algoParam->addBuffer(m_host->GetDefaultBufferSize(), m_host->GetFillByte());
 
     m_bufferParams.push_back(std::make_unique<TAG_BUFFER_PARAM>());
+    // The open presets are the type the reader of a document opened next uses.
+    m_bufferParams.front()->fileType = nOpenInitLoadFileType;
+    m_bufferParams.front()->filterType = nOpenInitLoadFilterType;
     TAG_DATADOC_VIEWITEM main;
     main.bufferId = static_cast<int>(id);
     main.bufferParam = m_bufferParams.front().get();
@@ -86,6 +89,7 @@ bool KCDataDoc::OnNewDocument()
         return false;
     m_ownPathName.clear();
     UpdateTitle();
+    SetStandardAutoAction();
     return true;
 }
 
@@ -349,4 +353,9 @@ std::string KCDataDoc::GetFilePath() const
 void KCDataDoc::UpdateTitle()
 {
     SetTitle(GetFileName());
+}
+
+void KCDataDoc::SetStandardAutoAction()
+{
+    m_host->SetStandardAutoAction(this);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "DEVICE_KRLXDEF_ITEM.h"
+#include "KCFileFormat.h"
 #include "KCDocBase.h"
 #include "KCFileTypes.h"
 #include "TAG_BUFFER_PARAM.h"
@@ -12,6 +13,7 @@
 #include <string>
 #include <vector>
 
+class KCArchive;
 class KCMainProgDataExChange;
 
 // Hints passed to the views by UpdateAllViews.
@@ -39,6 +41,47 @@ public:
 
     bool OnNewDocument() override;
     void OnCloseDocument() override;
+
+    // Opening: the host's open command and its entry for a named file.
+    static void OnFileOpen(KCMainProgDataExChange *host);
+    static KCDocBase *OnOpenDocumentFile(const char *path);
+
+    // Loading and storing through the reader or writer of the buffer's file type.
+    void Serialize(KCArchive &ar) override;
+    void ReadBinFile(KCArchive &ar);
+    void ReadHexFileIntel(KCArchive &ar);
+    void ReadHexFileMotorola(KCArchive &ar);
+    void ReadHexFileTI(KCArchive &ar);
+    void ReadJedFile(KCArchive &ar);
+    void ReadSVFile(KCArchive &ar);
+    void ReadBinFileOTP(KCArchive &ar);
+    void ReadKpfFile(KCArchive &ar);
+    void ReadSTPFile(KCArchive &ar);
+    void WriteBinFile(KCArchive &ar);
+    void WriteHexFileIntel(KCArchive &ar);
+    void WriteHexFileMotorola(KCArchive &ar);
+    void WriteJedFile(KCArchive &ar);
+    void WriteKpfFile(KCArchive &ar);
+    int WriteKpf2File(const std::string &path);
+    void SetFileInfo(const std::string &path, int flag);
+
+    bool OnOpenDocument(const char *path);
+    bool OnSaveDocument(const char *path);
+    bool privateOpenDocument(const std::string &path);
+    bool privateSaveDocument(const std::string &path);
+    bool SaveModified();
+    bool SaveDoc(int askForName);
+    void OnFileReLoad();
+    void InitialFileReload();
+    bool CanReloadDoc() const;
+    void PostOpenLoadFile();
+    void SetStandardAutoAction();
+
+    // Writer settings (record length, line ends, header) and what the last load found.
+    KCSaveOptions &saveOptions() { return m_saveOptions; }
+    const KCLoadResult &lastLoadResult() const { return m_lastLoad; }
+    // The bytes a writer stores: the save range when it is set and inside the buffer, else all.
+    void saveRange(uint64_t &first, uint64_t &count) const;
 
     // Data access; addresses are byte indices into buffer 0.
     unsigned char GetData(uint32_t addr) const;
@@ -111,4 +154,10 @@ private:
     int m_actionLock = 0;
     std::string m_ownPathName;
     int m_selectIndex = -1;
+    KCSaveOptions m_saveOptions;
+    KCLoadResult m_lastLoad;
+
+    void readWithFormat(KCArchive &ar, const char *formatName, unsigned descriptionId);
+    void writeWithFormat(KCArchive &ar, const char *formatName);
+    bool saveWithDialog();
 };

@@ -1,3 +1,5 @@
 list(APPEND KRLDV_CORE_SOURCES
   fileio/KCFile.cpp
+  fileio/KCFileDialogCore.cpp
+  fileio/KCHostFileMessage.cpp
 )

@@ -11,6 +11,24 @@ constexpr unsigned ChecksumInvalid = 341;       // no arguments
 constexpr unsigned ChecksumFuse = 342;          // start, end, checksum bytes 1, 0
 constexpr unsigned SwapBytesPrompt = 2152;      // no arguments
 constexpr unsigned SaveProjectHint = 2208;      // project extension
+constexpr unsigned ReadingFile = 2164;          // no arguments
+constexpr unsigned ReadFailed = 2443;           // no arguments
+constexpr unsigned ReadOk = 2464;               // no arguments
+constexpr unsigned FileTypeBinary = 2480;
+constexpr unsigned FileTypeIntel = 2481;
+constexpr unsigned FileTypeMotorola = 2482;
+constexpr unsigned FileTypeJedec = 2483;
+constexpr unsigned FileDialogLoadAs = 2484;
+constexpr unsigned FileDialogSaveAs = 2485;
+constexpr unsigned FileDialogFormatLabel = 2490;
+constexpr unsigned ReloadTitle = 2491;
+constexpr unsigned ReloadButton = 2492;
+constexpr unsigned FileTypeSvf = 2667;
+constexpr unsigned FileTypeTi = 2682;
+constexpr unsigned FailedToSave = 0xF102;       // no arguments
+constexpr unsigned AskToSave = 0xF103;          // document file name
+constexpr unsigned ViewHeaderRow = 2466;        // no arguments
+constexpr unsigned ViewClosingRow = 2472;       // no arguments
 
 struct Entry
 {
@@ -27,6 +45,24 @@ constexpr Entry All[] = {
     {ChecksumFuse, 4},
     {SwapBytesPrompt, 0},
     {SaveProjectHint, 1},
+    {ReadingFile, 0},
+    {ReadFailed, 0},
+    {ReadOk, 0},
+    {FileTypeBinary, 0},
+    {FileTypeIntel, 0},
+    {FileTypeMotorola, 0},
+    {FileTypeJedec, 0},
+    {FileDialogLoadAs, 0},
+    {FileDialogSaveAs, 0},
+    {FileDialogFormatLabel, 0},
+    {ReloadTitle, 0},
+    {ReloadButton, 0},
+    {FileTypeSvf, 0},
+    {FileTypeTi, 0},
+    {FailedToSave, 0},
+    {AskToSave, 1},
+    {ViewHeaderRow, 0},
+    {ViewClosingRow, 0},
 };
 
 } // namespace KCHostStrings

@@ -3,7 +3,52 @@
 #include <cstdint>
 #include <string>
 
-struct TAG_KRLFILEINFO;
+#include "KCFileTypes.h"
+
+class KCDocBase;
+
+// The host's information record of a file: eight 32-bit words.
+struct TAG_KRLFILEINFO
+{
+    uint32_t words[8] = {};
+
+    TAG_KRLFILEINFO() = default;
+    // The record's own copy duplicates the first word pair into words 2 and 3.
+    TAG_KRLFILEINFO(const TAG_KRLFILEINFO &o)
+    {
+        words[0] = words[2] = o.words[0];
+        words[1] = words[3] = o.words[1];
+        for (int i = 4; i < 8; ++i)
+            words[i] = o.words[i];
+    }
+    TAG_KRLFILEINFO &operator=(const TAG_KRLFILEINFO &o)
+    {
+        const TAG_KRLFILEINFO copy(o);
+        for (int i = 0; i < 8; ++i)
+            words[i] = copy.words[i];
+        return *this;
+    }
+};
+
+// Failure bits of GetFileInfo's result.
+constexpr uint32_t FILEINFO_FAILED_MASK = 0xC0000000u;
+
+// What the document asks of the host's file dialog, and what the user chose.
+struct KCFileDialogRequest
+{
+    CALLFROMMENUE origin = CALLFROM_OPEN;
+    unsigned flags = 0;                          // toolkit-independent option bits (kept for the host)
+    std::string initialPath;
+    FILTERTYPE filterType = FILTER_ALL;          // filter to preselect
+    LOADSAVE_FILETYPE loadSaveType = LS_BINARY;  // format to preselect
+    // Results when the dialog ends with OK:
+    std::string path;
+    FILTERTYPE chosenFilterType = FILTER_ALL;
+    LOADSAVE_FILETYPE chosenLoadSaveType = LS_BINARY;
+};
+
+// Options of the program's file dialogs: hide read-only, prompt before overwriting, explorer style.
+constexpr unsigned FILEDIALOG_OPTIONS = 0x80006;
 
 // Answers and button sets of the host's prompt service (a message box).
 namespace KCPrompt {
@@ -62,6 +107,23 @@ public:
     // Long operations: the host shows a busy cursor between these calls.
     virtual void BeginWaitCursor() {}
     virtual void EndWaitCursor() {}
+
+    // The file's information record; bits 30 or 31 set in the result mean failure. The
+    // default reads the file system: size (low, high), modification time (low, high), mode.
+    virtual uint32_t GetFileInfo(const std::string &path, TAG_KRLFILEINFO *info);
+
+    // Runs the program's file dialog; false when the user cancels or there is no dialog.
+    virtual bool RunFileDialog(KCFileDialogRequest &) { return false; }
+    // Opens a path through the host's document template (a new document with its views).
+    virtual KCDocBase *OpenDocumentFile(const std::string &) { return nullptr; }
+    // Gives a new document the host's standard auto action.
+    virtual void SetStandardAutoAction(KCDocBase *) {}
+    // Nonzero when the save prompt must not mention project files.
+    virtual int GetNoProjectHintFlag() const { return 0; }
+
+    // True while no programmer action (program, read, verify, ...) is running; the data
+    // views refuse typing otherwise.
+    virtual bool ActionUi_NULL() const { return true; }
 };
 
 // The host's data-exchange object; set by the host before it creates any document.

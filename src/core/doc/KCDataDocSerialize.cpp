@@ -1,0 +1,421 @@
+// The document's open/save pipeline: dispatch by file type, the reader and writer adapters,
+// the open and save commands, and safe saving through a temporary file.
+#include "KCDataDoc.h"
+
+#include "KCArchive.h"
+#include "KCFdOutputStream.h"
+#include "KCFileDialogCore.h"
+#include "KCFileFormatRegistry.h"
+#include "KCFormat.h"
+#include "KCHostFileMessage.h"
+#include "KCHostStrings.h"
+#include "KCMainProgDataExChange.h"
+#include "KCMappedFile.h"
+#include "KCMessageMarks.h"
+#include "KCUiAdrDataManager.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+const char *const ProjectExtension = "kpf2";
+
+std::string mark(KCMessageMarks::Severity s)
+{
+    return KCMessageMarks::prefix(s);
+}
+
+std::string directoryOf(const std::string &path)
+{
+    const size_t sep = path.find_last_of("/\\");
+    return sep == std::string::npos ? std::string() : path.substr(0, sep + 1);
+}
+
+} // namespace
+
+void KCDataDoc::Serialize(KCArchive &ar)
+{
+    m_loadOk = 1;
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    if (!param)
+        return;
+
+    if (ar.IsStoring()) {
+        const int type = m_projectFlag ? m_projectFlag : param->fileType;
+        switch (type) {
+        case LS_BINARY: WriteBinFile(ar); break;
+        case LS_INTELHEX: WriteHexFileIntel(ar); break;
+        case LS_MOTOROLA: WriteHexFileMotorola(ar); break;
+        case LS_JEDEC: WriteJedFile(ar); break;
+        case LS_KPF2:
+        case LS_HANDLERJOB: WriteKpfFile(ar); break;
+        default: break; // read-only types: nothing is written
+        }
+        return;
+    }
+
+    switch (param->fileType) {
+    case LS_BINARY: ReadBinFile(ar); break;
+    case LS_INTELHEX: ReadHexFileIntel(ar); break;
+    case LS_MOTOROLA: ReadHexFileMotorola(ar); break;
+    case LS_TIHEX: ReadHexFileTI(ar); break;
+    case LS_JEDEC: ReadJedFile(ar); break;
+    case LS_SVF: ReadSVFile(ar); break;
+    case LS_HOLTEK_OTP: ReadBinFileOTP(ar); break;
+    case LS_KPF2:
+    case LS_HANDLERJOB: ReadKpfFile(ar); break;
+    case LS_STAPL: ReadSTPFile(ar); break;
+    default: break;
+    }
+    if (m_loadOk && m_projectFlag == 0) {
+        SetFileInfo(ar.GetFilePath(), 1);
+        KCUiAdrDataManager manager(param, &m_algoParam->algoUiData());
+        manager.CfgOnLoadFile();
+    }
+}
+
+void KCDataDoc::readWithFormat(KCArchive &ar, const char *formatName, unsigned descriptionId)
+{
+    m_loadOk = 0;
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    const KCFileFormatInfo *info = KCFileFormatRegistry::byName(formatName);
+    if (!param || !info)
+        return;
+    const std::string &path = ar.GetFilePath();
+    m_host->ShowMessage(m_host->GetHostString(KCHostStrings::ReadingFile) + " : " + path + " ("
+                        + m_host->GetHostString(descriptionId) + ")");
+
+    KCLoadOptions options;
+    options.fill = m_host->GetFillByte();
+    const uint64_t size = GetBufferSize();
+    const bool rangeSet = !(static_cast<int32_t>(param->LBSA) < 0) && param->LBEA >= param->LBSA;
+    if (rangeSet) {
+        options.rangeStart = param->LBSA;
+        options.rangeLength = uint64_t(param->LBEA) - param->LBSA + 1;
+    }
+    // A device fixes the buffer's size; without one the buffer grows to hold the file.
+    options.grow = !HasDeviceX();
+    if (!options.grow && options.rangeLength > size)
+        options.rangeLength = size;
+
+    KCHostFileMessage sink(m_host);
+    std::unique_ptr<KCFileFormat> format = info->create(sink);
+    m_lastLoad = format->Load(ar.input(), m_algoParam->buffer(0), options);
+    if (!m_lastLoad.ok) {
+        m_host->ShowMessage(mark(KCMessageMarks::Error) + m_host->GetHostString(KCHostStrings::ReadFailed) + " : "
+                            + path);
+        return;
+    }
+    m_host->ShowMessage(m_host->GetHostString(KCHostStrings::ReadOk) + " : " + path);
+    m_loadOk = 1;
+}
+
+void KCDataDoc::ReadBinFile(KCArchive &ar) { readWithFormat(ar, "bin", KCHostStrings::FileTypeBinary); }
+void KCDataDoc::ReadHexFileIntel(KCArchive &ar) { readWithFormat(ar, "intel", KCHostStrings::FileTypeIntel); }
+void KCDataDoc::ReadHexFileMotorola(KCArchive &ar) { readWithFormat(ar, "motorola", KCHostStrings::FileTypeMotorola); }
+void KCDataDoc::ReadHexFileTI(KCArchive &ar) { readWithFormat(ar, "ti", KCHostStrings::FileTypeTi); }
+void KCDataDoc::ReadJedFile(KCArchive &ar) { readWithFormat(ar, "jedec", KCHostStrings::FileTypeJedec); }
+void KCDataDoc::ReadSVFile(KCArchive &ar) { readWithFormat(ar, "svf", KCHostStrings::FileTypeSvf); }
+void KCDataDoc::ReadBinFileOTP(KCArchive &ar) { readWithFormat(ar, "otp", KCHostStrings::FileTypeBinary); }
+void KCDataDoc::ReadSTPFile(KCArchive &ar) { readWithFormat(ar, "stapl", KCHostStrings::FileTypeBinary); }
+
+void KCDataDoc::ReadKpfFile(KCArchive &ar)
+{
+    // Project files are read by the project-file manager, which this build does not have.
+    m_loadOk = 0;
+    m_host->ShowMessage(mark(KCMessageMarks::Error) + "WFailed to read file: " + ar.GetFilePath()
+                        + " : project files cannot be read by this version");
+}
+
+void KCDataDoc::saveRange(uint64_t &first, uint64_t &count) const
+{
+    const TAG_BUFFER_PARAM *param = m_bufferParams.front().get();
+    const uint64_t size = GetBufferSize();
+    first = 0;
+    count = size;
+    if (!(static_cast<int32_t>(param->SBSA) < 0) && param->SBSA <= param->SBEA && param->SBEA < size) {
+        first = param->SBSA;
+        count = uint64_t(param->SBEA) - param->SBSA + 1;
+    }
+}
+
+void KCDataDoc::writeWithFormat(KCArchive &ar, const char *formatName)
+{
+    m_loadOk = 0;
+    const KCFileFormatInfo *info = KCFileFormatRegistry::byName(formatName);
+    if (!info)
+        return;
+    uint64_t first = 0, count = 0;
+    saveRange(first, count);
+    KCSaveOptions options = m_saveOptions;
+    options.startAddress = first;
+    KCHostFileMessage sink(m_host);
+    std::unique_ptr<KCFileFormat> format = info->create(sink);
+    ar.setWritten();
+    if (!format->Save(ar.output(), ar.GetFilePath(), m_algoParam->buffer(0).data() + first, count, options))
+        return;
+    m_loadOk = 1;
+}
+
+void KCDataDoc::WriteBinFile(KCArchive &ar) { writeWithFormat(ar, "bin"); }
+void KCDataDoc::WriteHexFileIntel(KCArchive &ar) { writeWithFormat(ar, "intel"); }
+void KCDataDoc::WriteHexFileMotorola(KCArchive &ar) { writeWithFormat(ar, "motorola"); }
+void KCDataDoc::WriteJedFile(KCArchive &ar) { writeWithFormat(ar, "jedec"); }
+
+void KCDataDoc::WriteKpfFile(KCArchive &ar)
+{
+    if (HasDeviceX() == 0) {
+        m_host->ShowMessage(mark(KCMessageMarks::Warning) + "WNo Device Selected.");
+        return;
+    }
+    const std::string &path = ar.GetFilePath();
+    if (path.empty())
+        return;
+    ar.setWritten();
+    WriteKpf2File(path);
+}
+
+int KCDataDoc::WriteKpf2File(const std::string &path)
+{
+    m_loadOk = 0;
+    m_host->ShowMessage(mark(KCMessageMarks::Warning) + "Failed to write file: " + path
+                        + " : project files cannot be written by this version");
+    return 0;
+}
+
+void KCDataDoc::SetFileInfo(const std::string &path, int)
+{
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    if (!param)
+        return;
+    TAG_KRLFILEINFO info;
+    if (m_host->GetFileInfo(path, &info) & FILEINFO_FAILED_MASK)
+        return;
+    const TAG_KRLFILEINFO copy(info);
+    for (int i = 0; i < BUFFER_FILEINFO_WORDS; ++i)
+        param->fileInfo[i] = copy.words[i];
+}
+
+bool KCDataDoc::OnOpenDocument(const char *path)
+{
+    return privateOpenDocument(path ? path : "");
+}
+
+bool KCDataDoc::OnSaveDocument(const char *path)
+{
+    return privateSaveDocument(path ? path : "");
+}
+
+bool KCDataDoc::privateOpenDocument(const std::string &path)
+{
+    KCMappedFile file;
+    if (!file.open(path)) {
+        m_host->ShowMessage(mark(KCMessageMarks::Error) + file.errorText());
+        return false;
+    }
+    KCArchive ar(path, file.input());
+    Serialize(ar);
+    const bool ok = m_loadOk != 0;
+    if (ok) {
+        SetPathName(path, true);
+        SetModifiedFlag(0);
+    } else {
+        // Part of the file may be in the buffer now: closing must ask.
+        SetModifiedFlag(1);
+    }
+    ComputeCheckSum(-1);
+    UpdateAllViews(nullptr, DOCHINT_ALL);
+    return ok;
+}
+
+bool KCDataDoc::privateSaveDocument(const std::string &path)
+{
+    if (path.empty())
+        return false;
+    // Write beside the target and rename only a complete file over it.
+    std::string temp = path + ".krldv-XXXXXX";
+    const int fd = ::mkstemp(&temp[0]);
+    if (fd < 0) {
+        m_host->ShowMessage(mark(KCMessageMarks::Error) + path + " : cannot create a file in its folder: "
+                            + std::strerror(errno));
+        return false;
+    }
+    struct stat st;
+    if (::stat(path.c_str(), &st) == 0) {
+        ::fchmod(fd, st.st_mode & 07777);
+    } else {
+        const mode_t mask = ::umask(0);
+        ::umask(mask);
+        ::fchmod(fd, 0666 & ~mask);
+    }
+
+    KCFdOutputStream out(fd);
+    KCArchive ar(path, out);
+    Serialize(ar);
+    bool ok = m_loadOk && ar.written();
+    int error = 0;
+    if (ok && (!out.flush() || ::fsync(fd) != 0)) {
+        error = out.error() ? out.error() : errno;
+        ok = false;
+    }
+    ::close(fd);
+    if (ok && ::rename(temp.c_str(), path.c_str()) != 0) {
+        error = errno;
+        ok = false;
+    }
+    if (!ok) {
+        ::unlink(temp.c_str());
+        if (error)
+            m_host->ShowMessage(mark(KCMessageMarks::Error) + path + " : cannot write the file: " + std::strerror(error)
+                                + "; the file on disk is unchanged");
+        else if (m_loadOk && !ar.written())
+            m_host->ShowMessage(mark(KCMessageMarks::Warning) + path
+                                + " : files of this type cannot be written; nothing was saved");
+        return false;
+    }
+    m_host->ShowMessage("Writing " + path + " OK.");
+    SetModifiedFlag(0);
+    return true;
+}
+
+bool KCDataDoc::saveWithDialog()
+{
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    if (!param)
+        return false;
+    KCFileDialogCore::m_CallFromMenue = CALLFROM_SAVE;
+    KCFileDialogCore::m_LoadSaveType = param->fileType;
+    KCFileDialogRequest request;
+    request.origin = CALLFROM_SAVE;
+    request.flags = FILEDIALOG_OPTIONS;
+    request.initialPath = m_ownPathName;
+    request.filterType = param->filterType;
+    request.loadSaveType = param->fileType;
+    if (!m_host->RunFileDialog(request))
+        return false;
+    param->filterType = request.chosenFilterType;
+    param->fileType = request.chosenLoadSaveType;
+    if (!OnSaveDocument(request.path.c_str()))
+        return false;
+    SetPathName(request.path, true);
+    m_host->SetLastDirectory(directoryOf(request.path));
+    return true;
+}
+
+bool KCDataDoc::SaveModified()
+{
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    if (!param || !IsModified())
+        return true;
+    std::string prompt = KCFormat::format(m_host->GetHostString(KCHostStrings::AskToSave), {GetFileName()});
+    if (m_host->GetNoProjectHintFlag() == 0 && !(param->optionFlags & BUFFER_OPTION_NO_PROJECT_HINT))
+        prompt += KCFormat::format(m_host->GetHostString(KCHostStrings::SaveProjectHint), {ProjectExtension});
+    const int answer = m_host->MessageBox(prompt, KCPrompt::MB_YESNOCANCEL | KCPrompt::MB_ICONEXCLAMATION);
+    if (answer == KCPrompt::IDCANCEL)
+        return false;
+    if (answer == KCPrompt::IDNO)
+        return true;
+    m_projectFlag = 0;
+    return SaveDoc(param->saveFlags & BUFFER_SAVE_ASK_NAME);
+}
+
+bool KCDataDoc::SaveDoc(int askForName)
+{
+    if (!askForName && !m_ownPathName.empty()) {
+        if (OnSaveDocument(m_ownPathName.c_str()))
+            return true;
+        m_host->MessageBox(m_host->GetHostString(KCHostStrings::FailedToSave), KCPrompt::MB_OK | KCPrompt::MB_ICONERROR);
+        return false;
+    }
+    return saveWithDialog();
+}
+
+bool KCDataDoc::CanReloadDoc() const
+{
+    return !m_ownPathName.empty() && CanDoAction();
+}
+
+void KCDataDoc::OnFileReLoad()
+{
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    if (!param || !CanReloadDoc() || !SaveModified())
+        return;
+    KCFileDialogCore::m_CallFromMenue = CALLFROM_RELOAD;
+    KCFileDialogCore::m_LoadSaveType = param->fileType;
+    KCFileDialogRequest request;
+    request.origin = CALLFROM_RELOAD;
+    request.flags = FILEDIALOG_OPTIONS;
+    request.initialPath = m_ownPathName;
+    request.filterType = param->filterType;
+    request.loadSaveType = param->fileType;
+    if (!m_host->RunFileDialog(request))
+        return;
+    param->filterType = request.chosenFilterType;
+    param->fileType = request.chosenLoadSaveType;
+    m_algoParam->buffer(0).Fill(0, GetBufferSize(), m_host->GetFillByte());
+    privateOpenDocument(request.path);
+}
+
+void KCDataDoc::InitialFileReload()
+{
+    // A project names the data file to load; project files are not read by this version.
+}
+
+void KCDataDoc::PostOpenLoadFile()
+{
+    // Project data read with a project file would be applied here; there are none yet.
+}
+
+void KCDataDoc::OnFileOpen(KCMainProgDataExChange *host)
+{
+    if (!host)
+        return;
+    KCFileDialogCore::m_CallFromMenue = CALLFROM_OPEN;
+    const LOADSAVE_FILETYPE saved = nOpenInitLoadFileType;
+    KCFileDialogCore::m_LoadSaveType = saved;
+    KCFileDialogRequest request;
+    request.origin = CALLFROM_OPEN;
+    request.flags = FILEDIALOG_OPTIONS;
+    request.initialPath = host->GetLastDirectory();
+    request.filterType = nOpenInitLoadFilterType;
+    request.loadSaveType = saved;
+    if (!host->RunFileDialog(request))
+        return;
+    nOpenInitLoadFilterType = request.chosenFilterType;
+    nOpenInitLoadFileType = request.chosenLoadSaveType;
+    host->SetLastDirectory(directoryOf(request.path));
+    if (auto *doc = dynamic_cast<KCDataDoc *>(host->OpenDocumentFile(request.path))) {
+        doc->PostOpenLoadFile();
+        if (doc->GetKPFFileFlag())
+            doc->InitialFileReload();
+    }
+}
+
+KCDocBase *KCDataDoc::OnOpenDocumentFile(const char *path)
+{
+    KCMainProgDataExChange *host = g_pMainProgDataExChange;
+    if (!host || !path)
+        return nullptr;
+    KCFileDialogCore dialog;
+    const FILTERTYPE filter = dialog.GetFilterType(KCFileDialogCore::extensionOf(path));
+    // An extension no file type claims leaves the presets as they are.
+    if (filter != FILTER_INVALID) {
+        const LOADSAVE_FILETYPE type = dialog.GetLoadSaveType(filter);
+        if (type != LS_NOFORMAT && type != LS_INVALID) {
+            nOpenInitLoadFilterType = filter;
+            nOpenInitLoadFileType = type;
+        }
+    }
+    KCDocBase *doc = host->OpenDocumentFile(path);
+    if (auto *dataDoc = dynamic_cast<KCDataDoc *>(doc)) {
+        dataDoc->PostOpenLoadFile();
+        if (dataDoc->GetKPFFileFlag())
+            dataDoc->InitialFileReload();
+    }
+    return doc;
+}
