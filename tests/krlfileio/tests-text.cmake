@@ -5,4 +5,5 @@ list(APPEND KRLFILEIO_TEST_SOURCES
   KCHexFileTITest.cpp
   KCBinFileTest.cpp
   KCMalformedInputTest.cpp
+  KCSrecCatDiffTest.cpp
 )
