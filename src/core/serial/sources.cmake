@@ -1,0 +1,4 @@
+list(APPEND KRLDV_CORE_SOURCES
+  serial/cSerialDefFile.cpp
+  serial/KCSerialDefCtrl.cpp
+)
