@@ -28,12 +28,16 @@ private:
 
 const char *KCCliChecksumCommand::usage() const
 {
-    return "usage: krldv checksum FILE [--kind byte|fuse] [--range START:END]\n"
+    return "usage: krldv checksum FILE [--format NAME] [--kind byte|fuse] [--range START:END]\n"
            "\n"
            "Loads FILE into a buffer and prints its checksum as 0xXXXXXXXX.\n"
+           "  --format NAME  bin, intel, motorola, ti, jedec, svf, stapl, otp\n"
+           "                 (default: from the extension, then the content)\n"
            "  --kind byte    sum of all bytes modulo 2^32 (default)\n"
            "  --kind fuse    fuse-map sum: 1 << (address & 7) for every nonzero byte\n"
-           "  --range S:E    only addresses S..E (inclusive; 0x for hexadecimal)\n";
+           "  --range S:E    only addresses S..E (inclusive; 0x for hexadecimal)\n"
+           "A JEDEC file holds fuse n at address n: --kind fuse over 0..QF-1 gives the\n"
+           "file's fuse checksum in its low 16 bits.\n";
 }
 
 int KCCliChecksumCommand::run(const std::vector<std::string> &args)

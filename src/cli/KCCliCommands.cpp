@@ -1,10 +1,14 @@
 #include "KCCliCommands.h"
 
 #include "KCCliChecksumCommand.h"
+#include "KCCliConvertCommand.h"
+#include "KCCliInfoCommand.h"
 
 std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
 {
     std::vector<std::unique_ptr<KCCliCommand>> commands;
+    commands.push_back(std::make_unique<KCCliInfoCommand>());
+    commands.push_back(std::make_unique<KCCliConvertCommand>());
     commands.push_back(std::make_unique<KCCliChecksumCommand>());
     return commands;
 }

@@ -3,9 +3,12 @@
 #include "KCMessageMarks.h"
 
 #include <cstdio>
+#include <cstdlib>
 
 KCCliHost::KCCliHost() : m_previousHost(g_pMainProgDataExChange)
 {
+    if (const char *v = std::getenv("KRLDV_VERBOSE"))
+        m_verbose = *v && *v != '0';
     std::string error;
     if (!m_strings.load(KCHostStringTable::defaultPath(), &error))
         std::fprintf(stderr, "krldv: warning: %s\n", error.c_str());
@@ -30,6 +33,8 @@ void KCCliHost::ShowMessage(const std::string &text, uint32_t, uint32_t, int)
         prefix = "warning: ";
         break;
     default:
+        if (!m_verbose)
+            return;
         break;
     }
     std::fprintf(stderr, "krldv: %s%s\n", prefix, p.text.c_str());

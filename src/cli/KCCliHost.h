@@ -24,6 +24,8 @@ public:
     std::string GetLastDirectory() const override { return m_lastDirectory; }
     void SetLastDirectory(const std::string &dir) override { m_lastDirectory = dir; }
 
+    // Plain (unmarked) messages are progress notes: shown only when verbose.
+    void setVerbose(bool verbose) { m_verbose = verbose; }
     void setDefaultBufferSize(uint64_t size) { m_defaultBufferSize = size; }
     void setFillByte(uint8_t fill) { m_fillByte = fill; }
     const std::string &lastStatusText() const { return m_status; }
@@ -38,5 +40,6 @@ private:
     std::string m_lastDirectory;
     std::string m_status;
     int m_errors = 0;
+    bool m_verbose = false;
     KCMainProgDataExChange *m_previousHost;
 };

@@ -2,29 +2,74 @@
 
 #include "KCDataDoc.h"
 #include "KCFile.h"
+#include "KCFileFormatRegistry.h"
+#include "KCFileDialogCore.h"
+#include "KCFormatNames.h"
 
 #include <cstdio>
+#include <vector>
 
-bool KCCliImageLoader::load(KCDataDoc &doc, const std::string &path, const std::string &formatName)
+namespace {
+
+// Enough of a file's start for every content detector.
+constexpr size_t DetectBytes = 4096;
+
+} // namespace
+
+std::string KCCliImageLoader::formatList()
 {
-    if (!formatName.empty() && formatName != "bin") {
-        std::fprintf(stderr, "krldv: %s: format %s is not known\n", path.c_str(), formatName.c_str());
-        return false;
+    std::string list;
+    for (const auto &f : KCFileFormatRegistry::formats()) {
+        if (KCFormatNames::loadSaveType(f.name) == LS_INVALID)
+            continue;
+        list += list.empty() ? "" : ", ";
+        list += f.name;
     }
+    return list;
+}
+
+bool KCCliImageLoader::chooseFormat(const std::string &path, const std::string &formatName, Choice &choice)
+{
+    choice = Choice();
     try {
         KCFile file(path, KCFile::ReadOnly);
-        const uint64_t size = file.size();
-        cByteBuffer &buf = doc.AlgoParam().buffer(0);
-        if (!buf.resize(size, 0xFF)) {
-            std::fprintf(stderr, "krldv: %s: not enough memory for %llu bytes\n", path.c_str(),
-                         static_cast<unsigned long long>(size));
-            return false;
-        }
-        const size_t got = file.read(buf.data(), size);
-        buf.resize(got, 0xFF);
-        return true;
+        std::vector<uint8_t> head(DetectBytes);
+        head.resize(file.read(head.data(), head.size()));
+        choice.byContent = KCFileFormatRegistry::detect(head.data(), head.size());
     } catch (const KCFileException &e) {
         std::fprintf(stderr, "krldv: %s\n", e.what());
         return false;
     }
+    choice.byExtension = KCFileFormatRegistry::byExtension(KCFileDialogCore::extensionOf(path));
+    if (!formatName.empty()) {
+        choice.chosen = KCFileFormatRegistry::byName(formatName);
+        if (!choice.chosen || KCFormatNames::loadSaveType(choice.chosen->name) == LS_INVALID) {
+            std::fprintf(stderr, "krldv: %s: unknown format '%s' (known: %s)\n", path.c_str(), formatName.c_str(),
+                         formatList().c_str());
+            return false;
+        }
+        choice.how = "named";
+    } else if (choice.byExtension) {
+        choice.chosen = choice.byExtension;
+        choice.how = "by extension";
+    } else if (choice.byContent) {
+        choice.chosen = choice.byContent;
+        choice.how = "by content";
+    } else {
+        choice.chosen = KCFileFormatRegistry::byName("bin");
+        choice.how = "default";
+    }
+    return choice.chosen != nullptr;
+}
+
+bool KCCliImageLoader::load(KCDataDoc &doc, const std::string &path, const std::string &formatName, Choice *choice)
+{
+    Choice local;
+    Choice &c = choice ? *choice : local;
+    if (!chooseFormat(path, formatName, c))
+        return false;
+    TAG_BUFFER_PARAM *param = doc.mainBufferParam();
+    param->fileType = KCFormatNames::loadSaveType(c.chosen->name);
+    param->LBSA = param->LBEA = 0xFFFFFFFF;
+    return doc.OnOpenDocument(path.c_str());
 }

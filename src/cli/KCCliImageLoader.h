@@ -3,11 +3,24 @@
 #include <string>
 
 class KCDataDoc;
+struct KCFileFormatInfo;
 
-// Loads an image file into a document's buffer for the commands; reports failures on stderr
-// naming the file.
+// Loads an image file into a document's buffer through the document's own open pipeline,
+// choosing the format by name, else by extension, else by content, else binary.
 class KCCliImageLoader
 {
 public:
-    static bool load(KCDataDoc &doc, const std::string &path, const std::string &formatName);
+    struct Choice
+    {
+        const KCFileFormatInfo *chosen = nullptr;
+        const KCFileFormatInfo *byExtension = nullptr;
+        const KCFileFormatInfo *byContent = nullptr;
+        std::string how; // "named", "by extension", "by content", "default"
+    };
+
+    // False (message on stderr) when the name is unknown or the file cannot be read.
+    static bool chooseFormat(const std::string &path, const std::string &formatName, Choice &choice);
+    static bool load(KCDataDoc &doc, const std::string &path, const std::string &formatName, Choice *choice = nullptr);
+    // The list of format names for usage texts.
+    static std::string formatList();
 };

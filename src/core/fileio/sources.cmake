@@ -1,5 +1,6 @@
 list(APPEND KRLDV_CORE_SOURCES
   fileio/KCFile.cpp
   fileio/KCFileDialogCore.cpp
+  fileio/KCFormatNames.cpp
   fileio/KCHostFileMessage.cpp
 )

@@ -1,0 +1,103 @@
+#include "KCCliConvertCommand.h"
+
+#include "KCCliArgs.h"
+#include "KCCliHost.h"
+#include "KCCliImageLoader.h"
+#include "KCDataDoc.h"
+#include "KCFileFormatRegistry.h"
+#include "KCFormatNames.h"
+
+#include <cstdio>
+
+namespace {
+
+constexpr uint64_t MaxAddress = 0xFFFFFFFFull;
+
+} // namespace
+
+const char *KCCliConvertCommand::usage() const
+{
+    return "usage: krldv convert IN OUT [--from NAME] [--to NAME] [--fill BYTE] [--range START:END]\n"
+           "                          [--line-ending crlf|lf] [--record-bytes N]\n"
+           "\n"
+           "Reads IN into a buffer that starts at address 0 and reaches the highest loaded\n"
+           "address (or END); bytes no record defines hold the fill byte (default 0xFF).\n"
+           "Writes OUT from address 0 (or START) through the highest loaded address (or END).\n"
+           "  NAME             bin, intel, motorola, ti, jedec, svf, stapl, otp\n"
+           "                   (default: from the extension, then the content; OUT: by extension)\n"
+           "  --line-ending    crlf (default) or lf for text formats\n"
+           "  --record-bytes   data bytes per Intel/Motorola record, 1..255 (default 16)\n"
+           "Writable: bin, intel, motorola, jedec. OUT is replaced only when all was written.\n";
+}
+
+int KCCliConvertCommand::run(const std::vector<std::string> &args)
+{
+    const KCCliArgs a(args, {"from", "to", "fill", "range", "line-ending", "record-bytes"}, {});
+    if (a.helpRequested()) {
+        std::fputs(usage(), stdout);
+        return CLI_OK;
+    }
+    std::string problem = a.error();
+    uint64_t fill = 0xFF, start = 0, end = 0, recordBytes = 16;
+    const bool ranged = a.has("range");
+    const std::string lineEnding = a.value("line-ending", "crlf");
+    if (problem.empty() && a.positional().size() != 2)
+        problem = "give an input and an output file";
+    if (problem.empty() && a.has("fill") && !KCCliArgs::parseNumber(a.value("fill"), fill, 0xFF))
+        problem = "--fill takes a byte value 0..255 (0x for hexadecimal), not " + a.value("fill");
+    if (problem.empty() && ranged && (!KCCliArgs::parseRange(a.value("range"), start, end) || end > MaxAddress))
+        problem = "--range takes START:END with START <= END below 4 GiB, not " + a.value("range");
+    if (problem.empty() && lineEnding != "crlf" && lineEnding != "lf")
+        problem = "--line-ending takes crlf or lf, not " + lineEnding;
+    if (problem.empty() && a.has("record-bytes")
+        && (!KCCliArgs::parseNumber(a.value("record-bytes"), recordBytes, 255) || recordBytes == 0))
+        problem = "--record-bytes takes 1..255, not " + a.value("record-bytes");
+
+    const KCFileFormatInfo *to = nullptr;
+    if (problem.empty()) {
+        const std::string &out = a.positional()[1];
+        if (a.has("to")) {
+            to = KCFileFormatRegistry::byName(a.value("to"));
+            if (!to || KCFormatNames::loadSaveType(to->name) == LS_INVALID)
+                problem = "unknown output format '" + a.value("to") + "' (known: " + KCCliImageLoader::formatList() + ")";
+        } else {
+            const size_t dot = out.rfind('.');
+            to = dot == std::string::npos ? nullptr : KCFileFormatRegistry::byExtension(out.substr(dot + 1));
+            if (!to)
+                problem = "cannot tell the output format from '" + out + "': give --to";
+        }
+        if (to && !to->writable)
+            problem = std::string("format ") + to->name + " can be read but not written";
+    }
+    if (!problem.empty()) {
+        std::fprintf(stderr, "krldv convert: %s\n%s", problem.c_str(), usage());
+        return CLI_USAGE_ERROR;
+    }
+
+    KCCliHost host;
+    host.setFillByte(static_cast<uint8_t>(fill));
+    KCDataDoc doc;
+    const std::string &in = a.positional()[0];
+    if (!KCCliImageLoader::load(doc, in, a.value("from")))
+        return CLI_INPUT_ERROR;
+
+    const KCLoadResult &loaded = doc.lastLoadResult();
+    const uint64_t highest = loaded.bytesLoaded ? loaded.highest : 0;
+    const uint64_t last = ranged ? end : highest;
+    cByteBuffer &buf = doc.AlgoParam().buffer(0);
+    if (last >= buf.size() && !buf.resize(last + 1, static_cast<uint8_t>(fill))) {
+        std::fprintf(stderr, "krldv: %s: not enough memory for the image\n", in.c_str());
+        return CLI_INPUT_ERROR;
+    }
+    TAG_BUFFER_PARAM *param = doc.mainBufferParam();
+    param->SBSA = static_cast<uint32_t>(ranged ? start : 0);
+    param->SBEA = static_cast<uint32_t>(last);
+    if (!loaded.bytesLoaded && !ranged)
+        buf.resize(0, static_cast<uint8_t>(fill)); // nothing loaded: an empty image
+    param->fileType = KCFormatNames::loadSaveType(to->name);
+    doc.saveOptions().crlf = lineEnding == "crlf";
+    doc.saveOptions().bytesPerRecord = static_cast<unsigned>(recordBytes);
+    if (!doc.OnSaveDocument(a.positional()[1].c_str()))
+        return CLI_INPUT_ERROR;
+    return CLI_OK;
+}

@@ -1,0 +1,100 @@
+#include "KCCliInfoCommand.h"
+
+#include "KCCliArgs.h"
+#include "KCCliHost.h"
+#include "KCCliImageLoader.h"
+#include "KCDataDoc.h"
+#include "KCFileFormatRegistry.h"
+#include "cBufferSum.h"
+
+#include <cstdio>
+
+namespace {
+
+// Ranges listed in full; more are summarised.
+constexpr size_t MaxListedRanges = 16;
+
+unsigned long long ull(uint64_t v)
+{
+    return static_cast<unsigned long long>(v);
+}
+
+} // namespace
+
+const char *KCCliInfoCommand::usage() const
+{
+    return "usage: krldv info FILE [--format NAME]\n"
+           "\n"
+           "Shows the format found (and whether the extension and the content agree), the\n"
+           "records, the address ranges, the bytes loaded and their byte sum; for a JEDEC\n"
+           "file the fuse count and both checksums, stated and computed.\n"
+           "  --format NAME  bin, intel, motorola, ti, jedec, svf, stapl, otp\n";
+}
+
+int KCCliInfoCommand::run(const std::vector<std::string> &args)
+{
+    const KCCliArgs a(args, {"format"}, {});
+    if (a.helpRequested()) {
+        std::fputs(usage(), stdout);
+        return CLI_OK;
+    }
+    std::string problem = a.error();
+    if (problem.empty() && a.positional().size() != 1)
+        problem = a.positional().empty() ? "no input file given" : "only one input file is taken";
+    if (!problem.empty()) {
+        std::fprintf(stderr, "krldv info: %s\n%s", problem.c_str(), usage());
+        return CLI_USAGE_ERROR;
+    }
+
+    KCCliHost host;
+    KCDataDoc doc;
+    const std::string &path = a.positional()[0];
+    KCCliImageLoader::Choice choice;
+    if (!KCCliImageLoader::load(doc, path, a.value("format"), &choice))
+        return CLI_INPUT_ERROR;
+    const KCLoadResult &r = doc.lastLoadResult();
+
+    std::printf("file:          %s\n", path.c_str());
+    std::printf("format:        %s (%s), %s", choice.chosen->name, choice.chosen->description, choice.how.c_str());
+    if (choice.byContent && choice.byContent != choice.chosen)
+        std::printf("; the content looks like %s", choice.byContent->name);
+    else if (choice.byContent)
+        std::printf("; the content agrees");
+    if (choice.byExtension && choice.byExtension != choice.chosen)
+        std::printf("; the extension says %s", choice.byExtension->name);
+    std::printf("\n");
+    std::printf("records:       %llu\n", ull(r.records));
+    std::printf("bytes loaded:  %llu\n", ull(r.bytesLoaded));
+    std::printf("ranges:        %zu\n", r.ranges.size());
+    uint32_t sum = 0;
+    const uint8_t *data = doc.AlgoParam().buffer(0).data();
+    const uint64_t size = doc.GetBufferSize();
+    for (size_t i = 0; i < r.ranges.size(); ++i) {
+        const auto &range = r.ranges[i];
+        if (i < MaxListedRanges)
+            std::printf("  0x%08llX-0x%08llX  %llu bytes\n", ull(range.first), ull(range.second),
+                        ull(range.second - range.first + 1));
+        if (range.first < size)
+            sum += cBufferSum::byteSum(data + range.first, std::min(range.second, size - 1) - range.first + 1);
+    }
+    if (r.ranges.size() > MaxListedRanges)
+        std::printf("  ... %zu more\n", r.ranges.size() - MaxListedRanges);
+    std::printf("byte sum:      0x%08X\n", sum);
+    if (r.hasStartAddress)
+        std::printf("start address: 0x%08llX\n", ull(r.startAddress));
+    if (r.skipped)
+        std::printf("skipped:       %llu bytes outside the range\n", ull(r.skipped));
+    if (r.fuseCount) {
+        std::printf("fuses:         %llu\n", ull(r.fuseCount));
+        if (r.hasFuseChecksum)
+            std::printf("fuse checksum: stated 0x%04X, computed 0x%04X%s\n", r.statedFuseChecksum, r.computedFuseChecksum,
+                        r.statedFuseChecksum == r.computedFuseChecksum ? "" : "  MISMATCH");
+        else
+            std::printf("fuse checksum: none stated, computed 0x%04X\n", r.computedFuseChecksum);
+        if (r.hasTransmissionChecksum)
+            std::printf("transmission:  stated 0x%04X, computed 0x%04X%s\n", r.statedTransmissionChecksum,
+                        r.computedTransmissionChecksum,
+                        r.statedTransmissionChecksum == r.computedTransmissionChecksum ? "" : "  MISMATCH");
+    }
+    return CLI_OK;
+}

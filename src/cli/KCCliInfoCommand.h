@@ -1,0 +1,13 @@
+#pragma once
+
+#include "KCCliCommand.h"
+
+// "krldv info FILE": what a file holds, as the reader sees it.
+class KCCliInfoCommand : public KCCliCommand
+{
+public:
+    const char *name() const override { return "info"; }
+    const char *summary() const override { return "show format, records, address ranges and sums of a file"; }
+    const char *usage() const override;
+    int run(const std::vector<std::string> &args) override;
+};
