@@ -41,3 +41,18 @@ std::string KCTestHost::statusText(unsigned paneId) const
     const auto it = statusTexts.find(paneId);
     return it == statusTexts.end() ? std::string() : it->second;
 }
+
+bool KCTestHost::RunFileDialog(KCFileDialogRequest &request)
+{
+    dialogRequests.push_back(request);
+    if (dialogAnswers.empty())
+        return false;
+    const KCFileDialogRequest answer = dialogAnswers.front();
+    dialogAnswers.pop_front();
+    if (answer.path.empty())
+        return false;
+    request.path = answer.path;
+    request.chosenFilterType = answer.chosenFilterType;
+    request.chosenLoadSaveType = answer.chosenLoadSaveType;
+    return true;
+}

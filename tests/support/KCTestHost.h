@@ -4,6 +4,7 @@
 #include "KCMainProgDataExChange.h"
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -32,6 +33,21 @@ public:
     uint8_t GetFillByte() const override { return fillByte; }
     std::string GetLastDirectory() const override { return lastDirectory; }
     void SetLastDirectory(const std::string &dir) override { lastDirectory = dir; }
+    bool ActionUi_NULL() const override { return !actionRunning; }
+
+    bool RunFileDialog(KCFileDialogRequest &request) override;
+    KCDocBase *OpenDocumentFile(const std::string &path) override
+    {
+        openedPaths.push_back(path);
+        return openDocument ? openDocument(path) : nullptr;
+    }
+
+    // Results of the next file dialogs: a path chooses it (with the request's preselected
+    // filter and format unless set), an empty path cancels.
+    std::deque<KCFileDialogRequest> dialogAnswers;
+    std::vector<KCFileDialogRequest> dialogRequests;
+    std::function<KCDocBase *(const std::string &)> openDocument;
+    std::vector<std::string> openedPaths;
 
     // Answers given to the next prompts, in order; with none left a prompt is answered IDCANCEL.
     void scriptAnswers(std::initializer_list<int> answers) { m_answers.insert(m_answers.end(), answers); }
@@ -46,6 +62,7 @@ public:
     uint64_t defaultBufferSize = 0x10000;
     uint8_t fillByte = 0xFF;
     std::string lastDirectory;
+    bool actionRunning = false;
 
 private:
     KCHostStringTable m_strings;

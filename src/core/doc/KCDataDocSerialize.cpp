@@ -54,7 +54,7 @@ void KCDataDoc::Serialize(KCArchive &ar)
         case LS_JEDEC: WriteJedFile(ar); break;
         case LS_KPF2:
         case LS_HANDLERJOB: WriteKpfFile(ar); break;
-        default: break; // read-only types: nothing is written
+        default: ar.setNoWriter(); break; // read-only types: nothing is written
         }
         return;
     }
@@ -273,7 +273,7 @@ bool KCDataDoc::privateSaveDocument(const std::string &path)
         if (error)
             m_host->ShowMessage(mark(KCMessageMarks::Error) + path + " : cannot write the file: " + std::strerror(error)
                                 + "; the file on disk is unchanged");
-        else if (m_loadOk && !ar.written())
+        else if (ar.noWriter())
             m_host->ShowMessage(mark(KCMessageMarks::Warning) + path
                                 + " : files of this type cannot be written; nothing was saved");
         return false;

@@ -21,6 +21,9 @@ public:
     // Set by a writer that produced the file; a store that wrote nothing leaves the target alone.
     void setWritten() { m_written = true; }
     bool written() const { return m_written; }
+    // Set by a store whose file type has no writer.
+    void setNoWriter() { m_noWriter = true; }
+    bool noWriter() const { return m_noWriter; }
 
 private:
     std::string m_path;
@@ -28,4 +31,5 @@ private:
     KCOutputStream *m_output = nullptr;
     bool m_storing = false;
     bool m_written = false;
+    bool m_noWriter = false;
 };

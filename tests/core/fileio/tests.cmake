@@ -1,0 +1,4 @@
+list(APPEND KRLDV_CORE_TEST_SOURCES
+  core/fileio/KCFileDialogCoreTest.cpp
+  core/fileio/KCDataDocPipelineTest.cpp
+)
