@@ -1,0 +1,619 @@
+#include "KCDataViewModel.h"
+
+#include "KCDataDoc.h"
+#include "KCDataViewListener.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+// Bringing the caret back into view: closer than NearLines scrolls line by line, closer
+// than JumpLines page by page, anything further jumps there at once.
+constexpr int64_t NearLines = 11;
+constexpr int64_t JumpLines = 101;
+constexpr int NearColumns = 6;
+// Tab and Shift+Tab give up after travelling this many lines without finding a group start.
+constexpr int64_t TabSearchLines = 10;
+constexpr int WheelCtrlPages = 2;
+constexpr unsigned FirstPrintable = 32;
+constexpr unsigned LastByteCode = 0xFF;
+constexpr int HighNibbleShift = 4;
+
+int hexValue(unsigned ch)
+{
+    if (ch >= '0' && ch <= '9')
+        return static_cast<int>(ch - '0');
+    if (ch >= 'a' && ch <= 'f')
+        return static_cast<int>(ch - 'a' + 10);
+    if (ch >= 'A' && ch <= 'F')
+        return static_cast<int>(ch - 'A' + 10);
+    return -1;
+}
+
+} // namespace
+
+KCDataViewModel::KCDataViewModel(KCDataDoc *doc, KCMainProgDataExChange *host) : m_host(host), m_layouts(host)
+{
+    m_layouts.defineStandardLayouts(host ? host->GetDefaultBufferSize() : 0);
+    setDocument(doc);
+}
+
+KCDataViewModel::~KCDataViewModel()
+{
+    if (m_doc)
+        m_doc->RemoveView(this);
+}
+
+void KCDataViewModel::setDocument(KCDataDoc *doc)
+{
+    if (m_doc)
+        m_doc->RemoveView(this);
+    m_doc = doc;
+    if (m_doc)
+        m_doc->AddView(this);
+    OnUpdate(nullptr, DOCHINT_ALL);
+}
+
+uint64_t KCDataViewModel::bufferLimit() const
+{
+    return m_doc ? m_doc->GetBufferSize() : 0;
+}
+
+void KCDataViewModel::notify(unsigned changes)
+{
+    if (m_listener && changes)
+        m_listener->dataViewChanged(changes);
+}
+
+void KCDataViewModel::OnUpdate(KCDocView *, long hint)
+{
+    if (hint == DOCHINT_MODIFIED_FLAG) {
+        notify(KCDataViewListener::ChangedModified);
+        return;
+    }
+    if (hint == DOCHINT_DATA) {
+        notify(KCDataViewListener::ChangedRows);
+        return;
+    }
+    // Anything else may have replaced the buffer: follow its size.
+    if (m_doc)
+        m_layouts.resizeStandardLayouts(m_doc->GetBufferSize());
+    layoutsChanged();
+}
+
+void KCDataViewModel::layoutsChanged()
+{
+    revalidate();
+    updateBorder();
+    clampScroll();
+    notify(KCDataViewListener::ChangedRows | KCDataViewListener::ChangedRange | KCDataViewListener::ChangedScroll |
+           KCDataViewListener::ChangedCaret);
+}
+
+void KCDataViewModel::revalidate()
+{
+    const uint64_t limit = bufferLimit();
+    for (int i = 0; i < m_layouts.count(); ++i) {
+        KCDataViewLayout &l = *m_layouts.layout(i);
+        if (l.caret().isValid() || i == m_layouts.currentIndex())
+            l.setCaret(l.validated(l.caret(), limit));
+        if (l.markAnchor().isValid() || l.markEnd().isValid()) {
+            const TAG_VIEW_POSITION anchor = l.validated(l.markAnchor(), limit);
+            const TAG_VIEW_POSITION end = l.validated(l.markEnd(), limit);
+            l.setMark(anchor, end, anchor.isValid() && end.isValid() ? l.markState() : MARKSTATE_NONE);
+        }
+    }
+}
+
+std::string KCDataViewModel::GetBufferLayoutName() const
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    return l ? l->name() : std::string();
+}
+
+int KCDataViewModel::SetBufferLayoutView(const std::string &name)
+{
+    return SetBufferLayoutView(m_layouts.GetBufferLayoutIndex(name));
+}
+
+int KCDataViewModel::SetBufferLayoutView(int index)
+{
+    const KCDataViewLayout *old = GetBufferLayoutView();
+    if (!m_layouts.SetBufferLayoutView(index))
+        return 0;
+    KCDataViewLayout *now = GetBufferLayoutView();
+    if (now != old) {
+        // The layout brings back its own caret and mark; a first visit starts on its first cell.
+        now->setTracking(false);
+        now->setCaret(now->validated(now->caret(), bufferLimit()));
+        updateBorder();
+        clampScroll();
+        m_steps = ScrollSteps();
+        ensureCaretVisible();
+        notify(KCDataViewListener::ChangedRows | KCDataViewListener::ChangedRange | KCDataViewListener::ChangedScroll |
+               KCDataViewListener::ChangedCaret);
+    }
+    return 1;
+}
+
+void KCDataViewModel::ClearLA()
+{
+    m_layouts.ClearLA();
+    layoutsChanged();
+}
+
+void KCDataViewModel::InitTextMetrics(int charWidth, int linePitch)
+{
+    m_charWidth = charWidth;
+    m_linePitch = linePitch;
+    m_layouts.setTextMetrics(charWidth, linePitch);
+}
+
+void KCDataViewModel::OnSize(int width, int height)
+{
+    if (m_charWidth <= 0 || m_linePitch <= 0)
+        return;
+    setViewportSize(std::max(width, 0) / m_charWidth, std::max(height, 0) / m_linePitch);
+}
+
+void KCDataViewModel::setViewportSize(int columns, int lines)
+{
+    m_viewColumns = std::max(columns, 0);
+    m_viewLines = std::max(lines, 0);
+    updateBorder();
+    clampScroll();
+    notify(KCDataViewListener::ChangedRange | KCDataViewListener::ChangedScroll | KCDataViewListener::ChangedRows);
+}
+
+int KCDataViewModel::topLineCount() const
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    return l ? static_cast<int>(l->lineCount(LAYOUT_TOP)) : 0;
+}
+
+int64_t KCDataViewModel::bodyLineCount() const
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    return l ? l->lineCount(LAYOUT_BODY) : 0;
+}
+
+int KCDataViewModel::widestRow() const
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    return l ? l->widestRow() : 0;
+}
+
+int KCDataViewModel::visibleLines() const
+{
+    return std::max(m_viewLines - topLineCount(), 0);
+}
+
+int64_t KCDataViewModel::maxFirstLine() const
+{
+    return std::max(m_border.lineBegin, m_border.lineEnd - visibleLines() + 1);
+}
+
+int KCDataViewModel::maxFirstColumn() const
+{
+    return std::max(m_border.columnBegin, m_border.columnEnd - m_viewColumns + 1);
+}
+
+void KCDataViewModel::updateBorder()
+{
+    m_border.lineBegin = 0;
+    m_border.lineEnd = bodyLineCount() - 1;
+    if (m_scrollMode == SCROLLMODE_DYNAMIC && m_scrollA >= 0 && m_scrollB >= m_scrollA) {
+        m_border.lineBegin = std::min<int64_t>(m_scrollA, std::max<int64_t>(m_border.lineEnd, 0));
+        m_border.lineEnd = std::min<int64_t>(m_scrollB, m_border.lineEnd);
+    }
+    m_border.columnBegin = 0;
+    m_border.columnEnd = widestRow() - 1;
+    m_border.top = topLineCount();
+    m_border.bottom = m_border.top + visibleLines() - 1;
+}
+
+void KCDataViewModel::SetScrollMode(int mode, int a, int b)
+{
+    m_scrollMode = mode;
+    if (mode == SCROLLMODE_DYNAMIC) {
+        m_scrollA = a;
+        m_scrollB = b;
+    }
+    updateBorder();
+    clampScroll();
+    notify(KCDataViewListener::ChangedRange | KCDataViewListener::ChangedScroll);
+}
+
+void KCDataViewModel::clampScroll()
+{
+    m_firstLine = std::clamp(m_firstLine, m_border.lineBegin, maxFirstLine());
+    m_firstColumn = std::clamp(m_firstColumn, m_border.columnBegin, maxFirstColumn());
+}
+
+void KCDataViewModel::setFirstLine(int64_t line)
+{
+    m_firstLine = std::clamp(line, m_border.lineBegin, maxFirstLine());
+}
+
+void KCDataViewModel::setFirstColumn(int column)
+{
+    m_firstColumn = std::clamp(column, m_border.columnBegin, maxFirstColumn());
+}
+
+void KCDataViewModel::scrollToLine(int64_t line)
+{
+    setFirstLine(line);
+    notify(KCDataViewListener::ChangedScroll | KCDataViewListener::ChangedRows | KCDataViewListener::ChangedCaret);
+}
+
+void KCDataViewModel::scrollLines(int64_t delta)
+{
+    scrollToLine(m_firstLine + delta);
+}
+
+void KCDataViewModel::scrollPages(int64_t pages)
+{
+    scrollToLine(m_firstLine + pages * std::max(visibleLines(), 1));
+}
+
+void KCDataViewModel::scrollToColumn(int column)
+{
+    setFirstColumn(column);
+    notify(KCDataViewListener::ChangedScroll | KCDataViewListener::ChangedRows | KCDataViewListener::ChangedCaret);
+}
+
+void KCDataViewModel::scrollColumns(int delta)
+{
+    scrollToColumn(m_firstColumn + delta);
+}
+
+void KCDataViewModel::scrollColumnPages(int pages)
+{
+    scrollToColumn(m_firstColumn + pages * std::max(m_viewColumns, 1));
+}
+
+void KCDataViewModel::ensureCaretVisible()
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    if (!l || !l->caret().isValid())
+        return;
+    const int64_t line = l->caret().line;
+    const int64_t page = visibleLines();
+    while (page > 0) {
+        const int64_t before = m_firstLine;
+        const int64_t last = m_firstLine + page - 1;
+        if (line > last || line < m_firstLine) {
+            const bool down = line > last;
+            const int64_t distance = down ? line - last : m_firstLine - line;
+            if (distance >= JumpLines) {
+                // Far away: the window keeps its height and ends (or starts) at the caret line.
+                setFirstLine(down ? line - page + 1 : line);
+                m_steps.jumped = true;
+                break;
+            }
+            const int64_t step = distance < NearLines ? 1 : page;
+            setFirstLine(m_firstLine + (down ? step : -step));
+            ++(step == 1 ? m_steps.lines : m_steps.pages);
+        } else {
+            break;
+        }
+        if (m_firstLine == before)
+            break;
+    }
+
+    const int column = l->caret().column;
+    const int width = m_viewColumns;
+    while (width > 0) {
+        const int before = m_firstColumn;
+        if (column < m_firstColumn || column >= m_firstColumn + width) {
+            const bool right = column >= m_firstColumn + width;
+            const int distance = right ? column - (m_firstColumn + width) + 1 : m_firstColumn - column;
+            const int step = distance < NearColumns ? 1 : width;
+            setFirstColumn(m_firstColumn + (right ? step : -step));
+            ++(step == 1 ? m_steps.columns : m_steps.columnPages);
+        } else {
+            break;
+        }
+        if (m_firstColumn == before)
+            break;
+    }
+}
+
+void KCDataViewModel::renderScreenLine(int screenLine, TAG_VIEW_ROW &row) const
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    if (!l || screenLine < 0) {
+        row = TAG_VIEW_ROW();
+        return;
+    }
+    const int top = topLineCount();
+    const LAYOUT_LIST list = screenLine < top ? LAYOUT_TOP : LAYOUT_BODY;
+    const int64_t line = screenLine < top ? screenLine : m_firstLine + (screenLine - top);
+    int64_t low = 1, high = 0;
+    l->markRange(low, high);
+    const cByteBuffer *buf = m_doc ? &m_doc->AlgoParam().buffer(0) : nullptr;
+    l->renderRow(list, line, buf ? buf->data() : nullptr, buf ? buf->size() : 0, low, high, row);
+}
+
+bool KCDataViewModel::isCaretShown() const
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    return m_focus && l && l->caret().isValid() && l->markState() == MARKSTATE_NONE;
+}
+
+bool KCDataViewModel::caretScreenPosition(int &column, int &line) const
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    if (!l || !l->caret().isValid())
+        return false;
+    const TAG_VIEW_POSITION &c = l->caret();
+    if (c.line < m_firstLine || c.line >= m_firstLine + visibleLines() || c.column < m_firstColumn ||
+        c.column >= m_firstColumn + m_viewColumns)
+        return false;
+    column = c.column - m_firstColumn;
+    line = topLineCount() + static_cast<int>(c.line - m_firstLine);
+    return true;
+}
+
+void KCDataViewModel::OnInitialUpdate()
+{
+    if (KCDataViewLayout *l = GetBufferLayoutView())
+        l->setCaret(l->firstPosition(bufferLimit()));
+    SetScrollMode(SCROLLMODE_STATIC, -1, -1);
+    notify(KCDataViewListener::ChangedRows | KCDataViewListener::ChangedCaret);
+}
+
+void KCDataViewModel::OnSetFocus()
+{
+    m_focus = true;
+    notify(KCDataViewListener::ChangedCaret);
+}
+
+void KCDataViewModel::OnKillFocus()
+{
+    m_focus = false;
+    dropMark();
+    notify(KCDataViewListener::ChangedCaret | KCDataViewListener::ChangedRows);
+}
+
+TAG_VIEW_POSITION KCDataViewModel::caret() const
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    return l ? l->caret() : TAG_VIEW_POSITION();
+}
+
+bool KCDataViewModel::markRange(int64_t &low, int64_t &high) const
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    return l && l->markRange(low, high);
+}
+
+void KCDataViewModel::dropMark()
+{
+    KCDataViewLayout *l = GetBufferLayoutView();
+    if (!l || l->markState() == MARKSTATE_NONE)
+        return;
+    l->setMarkState(MARKSTATE_NONE);
+    notify(KCDataViewListener::ChangedRows | KCDataViewListener::ChangedCaret);
+}
+
+bool KCDataViewModel::setCaretAddress(int64_t address)
+{
+    KCDataViewLayout *l = GetBufferLayoutView();
+    if (!l)
+        return false;
+    const TAG_VIEW_POSITION p = l->positionOfAddress(address, bufferLimit());
+    if (!p.isValid())
+        return false;
+    m_steps = ScrollSteps();
+    dropMark();
+    moveCaret(p);
+    return true;
+}
+
+bool KCDataViewModel::setMarkRange(int64_t low, int64_t high)
+{
+    KCDataViewLayout *l = GetBufferLayoutView();
+    if (!l)
+        return false;
+    const TAG_VIEW_POSITION a = l->positionOfAddress(low, bufferLimit());
+    const TAG_VIEW_POSITION e = l->positionOfAddress(high, bufferLimit());
+    if (!a.isValid() || !e.isValid())
+        return false;
+    m_steps = ScrollSteps();
+    l->setMark(a, e, MARKSTATE_MARKED);
+    moveCaret(e);
+    return true;
+}
+
+void KCDataViewModel::moveCaret(const TAG_VIEW_POSITION &to)
+{
+    KCDataViewLayout *l = GetBufferLayoutView();
+    l->setCaret(to);
+    const int64_t line = m_firstLine;
+    const int column = m_firstColumn;
+    ensureCaretVisible();
+    unsigned changes = KCDataViewListener::ChangedCaret;
+    if (line != m_firstLine || column != m_firstColumn)
+        changes |= KCDataViewListener::ChangedScroll | KCDataViewListener::ChangedRows;
+    notify(changes);
+}
+
+bool KCDataViewModel::tabSearch(bool forward)
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    const uint64_t limit = bufferLimit();
+    const TAG_VIEW_POSITION start = l->caret();
+    TAG_VIEW_POSITION pos = start;
+    for (;;) {
+        const TAG_VIEW_POSITION next = forward ? l->stepRight(pos, false, limit) : l->stepLeft(pos, false, limit);
+        if (next == pos || std::llabs(next.line - start.line) > TabSearchLines)
+            return false;
+        pos = next;
+        if (l->isGroupStart(pos)) {
+            moveCaret(pos);
+            return true;
+        }
+    }
+}
+
+void KCDataViewModel::extendMark(Key key)
+{
+    KCDataViewLayout *l = GetBufferLayoutView();
+    const uint64_t limit = bufferLimit();
+    if (l->markState() != MARKSTATE_MARKED)
+        l->setMark(l->caret(), l->caret(), MARKSTATE_MARKED);
+    const TAG_VIEW_POSITION &end = l->markEnd();
+    TAG_VIEW_POSITION to = end;
+    switch (key) {
+    case KeyLeft: to = l->stepLeft(end, true, limit); break;
+    case KeyRight: to = l->stepRight(end, true, limit); break;
+    case KeyUp: to = l->stepLine(end, -1, limit); break;
+    default: to = l->stepLine(end, 1, limit); break;
+    }
+    l->setMarkEnd(to);
+    moveCaret(to);
+    notify(KCDataViewListener::ChangedRows);
+}
+
+bool KCDataViewModel::OnKeyDown(Key key, unsigned modifiers)
+{
+    KCDataViewLayout *l = GetBufferLayoutView();
+    if (!l)
+        return false;
+    if (l->isTracking())
+        return true;
+    m_steps = ScrollSteps();
+    const bool shift = modifiers & ShiftModifier;
+    if (key == KeyInsert) {
+        m_insertMode = !m_insertMode;
+        notify(KCDataViewListener::ChangedCaret);
+        return true;
+    }
+    if (!l->caret().isValid())
+        l->setCaret(l->firstPosition(bufferLimit()));
+    if (!l->caret().isValid())
+        return true;
+    if (shift && (key == KeyLeft || key == KeyRight || key == KeyUp || key == KeyDown)) {
+        extendMark(key);
+        return true;
+    }
+    dropMark();
+    const uint64_t limit = bufferLimit();
+    const TAG_VIEW_POSITION &c = l->caret();
+    switch (key) {
+    case KeyLeft:
+    case KeyBackspace: moveCaret(l->stepLeft(c, false, limit)); break;
+    case KeyRight: moveCaret(l->stepRight(c, false, limit)); break;
+    case KeyUp: moveCaret(l->stepLine(c, -1, limit)); break;
+    case KeyDown: moveCaret(l->stepLine(c, 1, limit)); break;
+    case KeyPageUp: scrollPages(-1); break;
+    case KeyPageDown: scrollPages(1); break;
+    case KeyTab: tabSearch(!shift); break;
+    default: return false;
+    }
+    return true;
+}
+
+bool KCDataViewModel::OnChar(unsigned ch)
+{
+    KCDataViewLayout *l = GetBufferLayoutView();
+    if (!l || l->isTracking() || !m_doc)
+        return false;
+    if (m_host && !m_host->ActionUi_NULL())
+        return false;
+    const TAG_VIEW_POSITION c = l->caret();
+    const TAG_X_LAYOUT *cell = l->cellAt(c);
+    if (!cell || !(cell->flags & XLF_EDITABLE) || !l->isUsable(c.block, c.lineInBlock, c.cell, bufferLimit()))
+        return false;
+    const uint32_t addr = static_cast<uint32_t>(c.address);
+    const unsigned char old = m_doc->GetData(addr);
+    unsigned char value;
+    switch (cell->kind) {
+    case XL_HEXBYTE: {
+        const int digit = hexValue(ch);
+        if (digit < 0)
+            return false;
+        value = c.column == cell->x ? static_cast<unsigned char>((old & 0x0F) | (digit << HighNibbleShift))
+                                    : static_cast<unsigned char>((old & 0xF0) | digit);
+        break;
+    }
+    case XL_CHAR:
+        if (ch < FirstPrintable || ch > LastByteCode)
+            return false;
+        value = static_cast<unsigned char>(ch);
+        break;
+    case XL_BIT:
+        if (ch != '0' && ch != '1')
+            return false;
+        value = static_cast<unsigned char>(ch - '0');
+        break;
+    default:
+        return false;
+    }
+    m_doc->SetData(value, addr);
+    m_doc->UpdateAllViews(this, DOCHINT_DATA);
+    notify(KCDataViewListener::ChangedRows);
+    OnKeyDown(KeyRight);
+    return true;
+}
+
+TAG_VIEW_POSITION KCDataViewModel::hitTestGrid(int screenColumn, int screenLine) const
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    const int top = topLineCount();
+    if (!l || screenColumn < 0 || screenLine < top)
+        return TAG_VIEW_POSITION();
+    return l->positionAt(m_firstLine + (screenLine - top), m_firstColumn + screenColumn, bufferLimit());
+}
+
+TAG_VIEW_POSITION KCDataViewModel::hitTest(int x, int y) const
+{
+    if (m_charWidth <= 0 || m_linePitch <= 0 || x < 0 || y < 0)
+        return TAG_VIEW_POSITION();
+    return hitTestGrid(x / m_charWidth, y / m_linePitch);
+}
+
+void KCDataViewModel::OnLButtonDown(int x, int y)
+{
+    KCDataViewLayout *l = GetBufferLayoutView();
+    if (!l)
+        return;
+    m_steps = ScrollSteps();
+    dropMark();
+    const TAG_VIEW_POSITION p = hitTest(x, y);
+    if (!p.isValid())
+        return;
+    l->setMark(p, p, MARKSTATE_NONE);
+    l->setTracking(true);
+    moveCaret(p);
+}
+
+void KCDataViewModel::OnMouseMove(int x, int y)
+{
+    KCDataViewLayout *l = GetBufferLayoutView();
+    if (!l || !l->isTracking())
+        return;
+    const TAG_VIEW_POSITION p = hitTest(x, y);
+    if (!p.isValid() || (p.block == l->markEnd().block && p.line == l->markEnd().line && p.cell == l->markEnd().cell))
+        return;
+    l->setMarkEnd(p);
+    l->setMarkState(MARKSTATE_MARKED);
+    notify(KCDataViewListener::ChangedRows | KCDataViewListener::ChangedCaret);
+}
+
+void KCDataViewModel::OnLButtonUp()
+{
+    if (KCDataViewLayout *l = GetBufferLayoutView())
+        l->setTracking(false);
+}
+
+void KCDataViewModel::OnMouseWheel(int notches, unsigned modifiers)
+{
+    // Away from the user scrolls up. With Ctrl two pages per notch, on purpose.
+    if (modifiers & ControlModifier)
+        scrollPages(-static_cast<int64_t>(notches) * WheelCtrlPages);
+    else
+        scrollLines(-static_cast<int64_t>(notches));
+}

@@ -1,0 +1,161 @@
+#pragma once
+
+#include "KCDataViewLayoutSet.h"
+#include "KCDocView.h"
+#include "KCMainProgDataExChange.h"
+#include "TAG_SCROLLBORDER.h"
+#include "TAG_VIEW_ROW.h"
+
+#include <cstdint>
+#include <string>
+
+class KCDataDoc;
+class KCDataViewListener;
+
+// The data view without a window: the layouts and the caret, mark and scroll state of one
+// hex-editor view of the document's buffer 0, driven by keys, characters and mouse positions.
+// A widget forwards its input here, paints the rows this model renders and follows the
+// scroll position; tests drive it directly. Every byte change goes through the document.
+// All costs depend on the window size, never on the buffer size.
+class KCDataViewModel : public KCDocView
+{
+public:
+    enum Key { KeyLeft, KeyRight, KeyUp, KeyDown, KeyPageUp, KeyPageDown, KeyBackspace, KeyTab, KeyInsert };
+    enum Modifier : unsigned { NoModifier = 0, ShiftModifier = 1, ControlModifier = 2 };
+    enum ScrollMode : int { SCROLLMODE_STATIC = 1, SCROLLMODE_KEEP = 2, SCROLLMODE_DYNAMIC = 3 };
+
+    // Scrolling done by the last input: how the caret was brought back into view.
+    struct ScrollSteps
+    {
+        int lines = 0;
+        int pages = 0;
+        int columns = 0;
+        int columnPages = 0;
+        bool jumped = false;
+    };
+
+    // Builds the standard layouts over the host's default buffer size.
+    explicit KCDataViewModel(KCDataDoc *doc = nullptr, KCMainProgDataExChange *host = g_pMainProgDataExChange);
+    ~KCDataViewModel() override;
+    KCDataViewModel(const KCDataViewModel &) = delete;
+    KCDataViewModel &operator=(const KCDataViewModel &) = delete;
+
+    void setDocument(KCDataDoc *doc);
+    KCDataDoc *document() const { return m_doc; }
+    void setListener(KCDataViewListener *listener) { m_listener = listener; }
+
+    void OnUpdate(KCDocView *sender, long hint) override;
+    bool isDataView() const override { return true; }
+    std::string GetBufferLayoutName() const override;
+
+    // Layouts.
+    KCDataViewLayoutSet &layouts() { return m_layouts; }
+    const KCDataViewLayoutSet &layouts() const { return m_layouts; }
+    std::string GetBufferLayoutName(int index) const { return m_layouts.GetBufferLayoutName(index); }
+    int GetBufferLayoutIndex(const std::string &name) const { return m_layouts.GetBufferLayoutIndex(name); }
+    int SetBufferLayoutView(const std::string &name);
+    int SetBufferLayoutView(int index);
+    KCDataViewLayout *GetBufferLayoutView() const { return m_layouts.GetBufferLayoutView(); }
+    void ClearLA();
+    // After defining or replacing layouts from outside: revalidate carets and the scroll range.
+    void layoutsChanged();
+
+    // Window geometry: pixels through the text metrics, or characters directly.
+    void InitTextMetrics(int charWidth, int linePitch);
+    int charWidth() const { return m_charWidth; }
+    int linePitch() const { return m_linePitch; }
+    void OnSize(int width, int height);
+    void setViewportSize(int columns, int lines);
+    int topLineCount() const;
+    int64_t bodyLineCount() const;
+    int widestRow() const;
+    int visibleLines() const;   // whole body lines in the window
+    int visibleColumns() const { return m_viewColumns; }
+    int64_t firstVisibleLine() const { return m_firstLine; }
+    int firstVisibleColumn() const { return m_firstColumn; }
+    int64_t maxFirstLine() const;
+    int maxFirstColumn() const;
+
+    // Scrolling.
+    void SetScrollMode(int mode, int a, int b);
+    int scrollMode() const { return m_scrollMode; }
+    int64_t GetScrollLineBegin() const { return m_border.lineBegin; }
+    int64_t GetScrollLineEnd() const { return m_border.lineEnd; }
+    int GetxScrollBeginPos() const { return m_border.columnBegin; }
+    int GetxScrollEndPos() const { return m_border.columnEnd; }
+    int GetScrollBorderTop() const { return m_border.top; }
+    int GetScrollBorderBottom() const { return m_border.bottom; }
+    void scrollToLine(int64_t line);
+    void scrollLines(int64_t delta);
+    void scrollPages(int64_t pages);
+    void scrollToColumn(int column);
+    void scrollColumns(int delta);
+    void scrollColumnPages(int pages);
+    const ScrollSteps &lastScroll() const { return m_steps; }
+
+    // Painting: screen line 0 is the window's top; top-list rows first, then the body from
+    // the first visible line.
+    void renderScreenLine(int screenLine, TAG_VIEW_ROW &row) const;
+    bool hasFocus() const { return m_focus; }
+    bool isCaretShown() const;
+    // The caret's place in the window in characters; false when it is out of sight.
+    bool caretScreenPosition(int &column, int &line) const;
+
+    // Input.
+    void OnInitialUpdate();
+    void OnSetFocus();
+    void OnKillFocus();
+    // True when the key was handled (or swallowed while the mouse button is held).
+    bool OnKeyDown(Key key, unsigned modifiers = NoModifier);
+    // True when a byte was written.
+    bool OnChar(unsigned ch);
+    TAG_VIEW_POSITION hitTest(int x, int y) const;
+    TAG_VIEW_POSITION hitTestGrid(int screenColumn, int screenLine) const;
+    void OnLButtonDown(int x, int y);
+    void OnMouseMove(int x, int y);
+    void OnLButtonUp();
+    // `notches` > 0 is away from the user.
+    void OnMouseWheel(int notches, unsigned modifiers = NoModifier);
+    bool isInsertMode() const { return m_insertMode; }
+    void setInsertMode(bool on) { m_insertMode = on; }
+
+    // Caret and mark of the current layout.
+    TAG_VIEW_POSITION caret() const;
+    // Moves the caret to the first cell showing `address` and brings it into view.
+    bool setCaretAddress(int64_t address);
+    bool markRange(int64_t &low, int64_t &high) const;
+    // Marks low..high and puts the caret at high (e.g. after a paste).
+    bool setMarkRange(int64_t low, int64_t high);
+    void dropMark();
+    uint64_t bufferLimit() const;
+
+private:
+    void notify(unsigned changes);
+    void moveCaret(const TAG_VIEW_POSITION &to);
+    bool tabSearch(bool forward);
+    void extendMark(Key key);
+    void ensureCaretVisible();
+    void setFirstLine(int64_t line);
+    void setFirstColumn(int column);
+    void revalidate();
+    void clampScroll();
+    void updateBorder();
+
+    KCDataDoc *m_doc = nullptr;
+    KCMainProgDataExChange *m_host;
+    KCDataViewListener *m_listener = nullptr;
+    KCDataViewLayoutSet m_layouts;
+    int m_charWidth = 0;
+    int m_linePitch = 0;
+    int m_viewColumns = 0;
+    int m_viewLines = 0; // whole screen lines, top rows included
+    int64_t m_firstLine = 0;
+    int m_firstColumn = 0;
+    int m_scrollMode = SCROLLMODE_STATIC;
+    int m_scrollA = -1;
+    int m_scrollB = -1;
+    TAG_SCROLLBORDER m_border;
+    ScrollSteps m_steps;
+    bool m_focus = false;
+    bool m_insertMode = false;
+};

@@ -1,0 +1,5 @@
+list(APPEND KRLDV_CORE_TEST_SOURCES
+  core/view/KCDataViewLayoutTest.cpp
+  core/view/KCDataViewModelTest.cpp
+  core/view/KCIndexedColorTest.cpp
+)
