@@ -191,11 +191,11 @@ std::unique_ptr<cSerialDefFile> KCSerialDefCtrl::FILE_OpenDef(unsigned mode)
 
 int KCSerialDefCtrl::FILE_ReadDef(cSerialDefFile *file)
 {
-    std::string text;
-    if (!file || !file->readAll(&text, MaxFileSize))
-        return 0;
-    m_text.swap(text);
     resetTextCaches();
+    if (!file || !file->readAll(&m_text, MaxFileSize)) {
+        m_text.clear();
+        return 0;
+    }
     return 1;
 }
 

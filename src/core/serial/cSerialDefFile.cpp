@@ -1,9 +1,9 @@
 #include "cSerialDefFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sched.h>
-#include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -85,33 +85,26 @@ bool cSerialDefFile::waitForLock(const std::atomic<bool> &cancel)
 
 bool cSerialDefFile::readOnce(std::string *text, size_t maxSize) const
 {
-    struct stat info;
-    if (::fstat(m_fd, &info) != 0)
-        return false;
-    // One byte beyond the expected size shows at once whether the file has grown.
-    size_t capacity = static_cast<size_t>(info.st_size) + 1;
-    if (capacity > maxSize + 1)
-        capacity = maxSize + 1;
-    text->resize(capacity);
+    // Read into what the buffer already holds: a definition file fits at once, and a read
+    // that comes back short has met the end of the file.
+    text->resize(std::min(std::max(text->capacity(), ReadChunk), maxSize + 1));
     size_t got = 0;
     for (;;) {
-        if (got == text->size()) {
-            if (text->size() > maxSize)
-                return false;
-            const size_t grown = text->size() + ReadChunk;
-            text->resize(grown > maxSize + 1 ? maxSize + 1 : grown);
-        }
         const ssize_t n = ::pread(m_fd, &(*text)[got], text->size() - got, static_cast<off_t>(got));
         if (n < 0) {
             if (errno == EINTR)
                 continue;
             return false;
         }
-        if (n == 0)
-            break;
         got += static_cast<size_t>(n);
+        if (got < text->size())
+            break;
+        if (text->size() > maxSize)
+            return false;
+        text->resize(std::min(text->size() * 2, maxSize + 1));
     }
     text->resize(got);
+    m_size = got;
     return true;
 }
 
@@ -141,7 +134,7 @@ bool cSerialDefFile::replaceAll(const std::string &text)
     const off_t size = static_cast<off_t>(text.size());
     // Reserve the blocks first so that a full disk fails here and not halfway through the
     // text. Not every file system can; the write then simply goes ahead.
-    if (::fallocate(m_fd, FALLOC_FL_KEEP_SIZE, 0, size) != 0 && errno == ENOSPC)
+    if (text.size() > m_size && ::fallocate(m_fd, FALLOC_FL_KEEP_SIZE, 0, size) != 0 && errno == ENOSPC)
         return false;
     if (!writeAll(m_fd, text.data(), text.size(), 0))
         return false;
@@ -149,7 +142,10 @@ bool cSerialDefFile::replaceAll(const std::string &text)
     do {
         result = ::ftruncate(m_fd, size);
     } while (result != 0 && errno == EINTR);
-    return result == 0 && ::fdatasync(m_fd) == 0;
+    if (result != 0 || ::fdatasync(m_fd) != 0)
+        return false;
+    m_size = text.size();
+    return true;
 }
 
 bool cSerialDefFile::close()

@@ -39,4 +39,5 @@ private:
 
     int m_fd = -1;
     bool m_exclusive = false;
+    mutable size_t m_size = 0; // as last read or written
 };
