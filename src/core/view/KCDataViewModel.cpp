@@ -143,6 +143,19 @@ void KCDataViewModel::ClearLA()
     layoutsChanged();
 }
 
+void KCDataViewModel::DefineByteBufferLayoutV2(const std::string &name, int scrollFlags, int64_t first, int64_t last,
+                                               int32_t addressOffset)
+{
+    m_layouts.DefineByteBufferLayoutV2(name, scrollFlags, first, last, addressOffset);
+    layoutsChanged();
+}
+
+void KCDataViewModel::DefineBytePic18FLayout(const std::string &name, int scrollFlags)
+{
+    m_layouts.DefineBytePic18FLayout(name, scrollFlags);
+    layoutsChanged();
+}
+
 void KCDataViewModel::InitTextMetrics(int charWidth, int linePitch)
 {
     m_charWidth = charWidth;

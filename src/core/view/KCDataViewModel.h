@@ -57,7 +57,11 @@ public:
     int SetBufferLayoutView(int index);
     KCDataViewLayout *GetBufferLayoutView() const { return m_layouts.GetBufferLayoutView(); }
     void ClearLA();
-    // After defining or replacing layouts from outside: revalidate carets and the scroll range.
+    // Device-family layouts (replacing one of the same name), followed by layoutsChanged().
+    void DefineByteBufferLayoutV2(const std::string &name, int scrollFlags, int64_t first, int64_t last,
+                                  int32_t addressOffset = 0);
+    void DefineBytePic18FLayout(const std::string &name, int scrollFlags);
+    // After defining or replacing layouts through layouts(): revalidate carets and the scroll range.
     void layoutsChanged();
 
     // Window geometry: pixels through the text metrics, or characters directly.
@@ -94,7 +98,7 @@ public:
     const ScrollSteps &lastScroll() const { return m_steps; }
 
     // Painting: screen line 0 is the window's top; top-list rows first, then the body from
-    // the first visible line.
+    // the first visible line. Reusing one row object keeps painting free of allocations.
     void renderScreenLine(int screenLine, TAG_VIEW_ROW &row) const;
     bool hasFocus() const { return m_focus; }
     bool isCaretShown() const;
