@@ -3,6 +3,7 @@
 #include "KCCliChecksumCommand.h"
 #include "KCCliConvertCommand.h"
 #include "KCCliInfoCommand.h"
+#include "KCCliSerialCommand.h"
 
 std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
 {
@@ -10,5 +11,6 @@ std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
     commands.push_back(std::make_unique<KCCliInfoCommand>());
     commands.push_back(std::make_unique<KCCliConvertCommand>());
     commands.push_back(std::make_unique<KCCliChecksumCommand>());
+    commands.push_back(std::make_unique<KCCliSerialCommand>());
     return commands;
 }

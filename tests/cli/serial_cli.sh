@@ -1,0 +1,35 @@
+#!/usr/bin/env bash
+# krldv serial next: default file, consuming, representations, parallel stations, exit statuses.
+set -u
+KRLDV="$1"
+T="$(mktemp -d)"; trap 'rm -rf "$T"' EXIT
+fail=0
+check() { if [ "$2" != "$3" ]; then echo "FAIL $1: got '$2', expected '$3'"; fail=1; fi; }
+
+D="$T/krdefser.ser"
+check "preview creates the default file" "$("$KRLDV" serial next "$D" --repr hex-bin)" "00 00 00 00"
+check "preview does not consume" "$("$KRLDV" serial next "$D" --advance --repr dec-asc | tail -1)" "0000000000"
+check "consumed" "$("$KRLDV" serial next "$D" --advance --repr hex-asc --little-endian | tail -1)" "10000000"
+check "default text advanced" "$(tr '\r\n' '|#' < "$D")" "Calc1|#{|#TYPE=CALC|#LENGTH=4|#NEXT=0x2|#STEP=0x1|#}"
+
+# four stations at once, 25 numbers each: every number once
+for s in 1 2 3 4; do
+  ( for i in $(seq 25); do "$KRLDV" serial next "$D" --advance --repr hex-bin; done > "$T/station$s" ) &
+done
+wait
+check "parallel stations" "$(cat "$T"/station* | sort | uniq | wc -l)" 100
+check "next after them" "$("$KRLDV" serial next "$D" --repr hex-bin)" "00 00 00 66"
+
+printf 'Tags\r\n{\r\nTYPE=LIST\r\nLIST_NUMBER="AB"\r\nLIST_NUMBER=0xABC\r\nNEXTINDEX=1\r\n}\r\n' > "$T/list.ser"
+check "list element" "$("$KRLDV" serial next "$T/list.ser" --advance --little-endian)" "BC 0A"
+check "list wraps" "$("$KRLDV" serial next "$T/list.ser" | tr '\n' '|')" "41 42|AB|"
+
+"$KRLDV" serial next >/dev/null 2>&1; check "no file" "$?" 2
+"$KRLDV" serial next "$D" --repr oct >/dev/null 2>&1; check "bad representation" "$?" 2
+"$KRLDV" serial next "$D" --block x >/dev/null 2>&1; check "bad block" "$?" 2
+msg=$("$KRLDV" serial next "$T/list.ser" --block 3 2>&1); check "missing block" "$?" 1
+case "$msg" in *list.ser*) ;; *) echo "FAIL message does not name the file: $msg"; fail=1 ;; esac
+msg=$("$KRLDV" serial next "$T/other.ser" 2>&1); check "missing file" "$?" 1
+case "$msg" in *other.ser*) ;; *) echo "FAIL message does not name the file: $msg"; fail=1 ;; esac
+"$KRLDV" serial --help | grep -q "usage: krldv serial" || { echo "FAIL --help"; fail=1; }
+exit $fail
