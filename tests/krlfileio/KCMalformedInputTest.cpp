@@ -116,6 +116,7 @@ std::vector<FormatSamples> formatSamples()
         {"intel", intelSamples()},
         {"motorola", motorolaSamples()},
         {"ti", tiSamples()},
+#include "KCMalformedDeviceSamples.inc"
     };
 }
 
