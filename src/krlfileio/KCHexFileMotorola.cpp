@@ -49,6 +49,7 @@ KCLoadResult KCHexFileMotorola::Load(const KCInputFile &file, KCByteArray &targe
     KCLoadResult result;
     KCTextScanner scanner(file, m_sink);
     KCLoadTarget loader(target, options, result);
+    loader.setSizeHint(file.size / 2); // two hex digits per data byte at least
     result.ok = parse(scanner, loader, result, options);
     loader.finish(m_sink, file.name);
     return result;

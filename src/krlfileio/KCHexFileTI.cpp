@@ -105,6 +105,7 @@ KCLoadResult KCHexFileTI::Load(const KCInputFile &file, KCByteArray &target, con
     KCLoadResult result;
     KCTextScanner s(file, m_sink);
     KCLoadTarget loader(target, options, result);
+    loader.setSizeHint(file.size / 2); // two hex digits per data byte at least
     if (!s.nextLine()) {
         s.error("empty file: neither TI-TXT nor TI-Tagged");
     } else {
@@ -163,30 +164,33 @@ bool KCHexFileTI::parseText(KCTextScanner &s, KCLoadTarget &target, KCLoadResult
                 return false;
             }
             ++result.records;
+            const uint8_t *p = s.pos();
+            const uint8_t *const end = s.end();
             for (;;) {
-                const uint8_t *token = s.pos();
-                const uint8_t *p = token;
-                const uint8_t *end = s.end();
-                while (p + 1 < end && KCTextScanner::isHex(p[0]) && KCTextScanner::isHex(p[1])) {
-                    if (!run.add(uint8_t(KCTextScanner::nibble(p[0]) << 4 | KCTextScanner::nibble(p[1]))))
+                const uint8_t *token = p;
+                unsigned v = 0;
+                while (end - p >= 2 && (v = KCTextScanner::pairValue(p)) <= 0xFF) {
+                    if (!run.add(uint8_t(v)))
                         return false;
                     p += 2;
                 }
                 if (p < end && KCTextScanner::isHex(*p)) {
-                    s.advance(size_t(p - token));
                     s.error("data token is not made of two-digit hex bytes (" + s.describeAt(token) + ")");
                     return false;
                 }
                 if (p - token > 2)
                     s.warnOnce(WarnJoinedBytes, "hex bytes without blanks between them were split into pairs");
-                s.advance(size_t(p - token));
-                if (s.atLineEnd())
+                const uint8_t *afterToken = p;
+                while (p < end && KCTextScanner::isBlank(*p))
+                    ++p;
+                if (p == end || KCTextScanner::isLineEnd(*p) || *p == KCTextScanner::kDosEof)
                     break;
-                if (p == s.pos()) {
-                    s.error("unexpected " + s.describeAt(s.pos()));
+                if (p == afterToken) {
+                    s.error("unexpected " + s.describeAt(p));
                     return false;
                 }
             }
+            s.advance(size_t(p - s.pos()));
             if (!run.flush())
                 return false;
         } else {

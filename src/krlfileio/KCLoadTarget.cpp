@@ -48,7 +48,7 @@ bool KCLoadTarget::ensureSize(uint64_t needed)
     if (needed <= m_size)
         return true;
     const uint64_t cap = m_rangeEnd - m_rangeStart;
-    uint64_t want = std::max({needed, m_size + m_size / 2, kMinGrowth});
+    uint64_t want = std::max({needed, m_size * 2, kMinGrowth, needed <= m_sizeHint ? m_sizeHint : 0});
     want = std::max(needed, std::min(want, cap));
     if (!m_target.resize(want, m_fill)) {
         if (want == needed || !m_target.resize(needed, m_fill))

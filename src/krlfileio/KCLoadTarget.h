@@ -28,6 +28,10 @@ public:
         return putSlow(address, bytes, n);
     }
 
+    // Most files put their data from a low address on; growing straight to the most the
+    // file can hold (bytes) then saves the copies of step-wise growth.
+    void setSizeHint(uint64_t bytes) { m_sizeHint = bytes; }
+
     // Trims the target to what was loaded (never below its original size), fills in the
     // result's ranges and counts, and gives the once-per-load warnings. Call it on every
     // exit, also after an error.
@@ -47,6 +51,7 @@ private:
     uint8_t m_fill;
     uint64_t m_originalSize;
     uint64_t m_size;
+    uint64_t m_sizeHint = 0;
     uint8_t *m_data;
 
     // The run being extended, [m_runStart, m_runEnd), kept out of m_ranges; m_runEnd is

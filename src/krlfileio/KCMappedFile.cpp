@@ -66,7 +66,7 @@ bool KCMappedFile::open(const std::string &path)
             return true;
         if (uint64_t(st.st_size) > SIZE_MAX)
             return fail("map", EFBIG);
-        void *map = ::mmap(nullptr, size_t(st.st_size), PROT_READ, MAP_PRIVATE, fd.fd, 0);
+        void *map = ::mmap(nullptr, size_t(st.st_size), PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd.fd, 0);
         if (map != MAP_FAILED) {
             ::madvise(map, size_t(st.st_size), MADV_SEQUENTIAL);
             m_map = map;

@@ -6,7 +6,23 @@ namespace {
 
 constexpr uint8_t kBom[3] = {0xEF, 0xBB, 0xBF};
 
+using KCTextScannerDetail::PairTable;
+
+constexpr PairTable makePairTable()
+{
+    constexpr auto nibble = KCTextScannerDetail::makeNibbleTable();
+    PairTable t{};
+    for (unsigned i = 0; i < 65536; ++i) {
+        const unsigned hi = nibble[i & 0xFF];
+        const unsigned lo = nibble[i >> 8];
+        t.v[i] = uint16_t((hi | lo) & KCTextScannerDetail::kBadNibble ? KCTextScanner::kBadPair : hi << 4 | lo);
+    }
+    return t;
+}
+
 } // namespace
+
+constexpr PairTable KCTextScanner::s_pairs = makePairTable();
 
 KCTextScanner::KCTextScanner(const KCInputFile &file, KCFileMessage &sink)
     : m_name(file.name), m_sink(sink), m_p(file.data), m_end(file.data + file.size), m_lineStart(file.data)
@@ -17,7 +33,7 @@ KCTextScanner::KCTextScanner(const KCInputFile &file, KCFileMessage &sink)
     }
 }
 
-bool KCTextScanner::nextLine()
+bool KCTextScanner::nextLineSlow()
 {
     const uint8_t *p = m_p;
     while (p < m_end) {
@@ -65,7 +81,7 @@ bool KCTextScanner::hexValue(unsigned digits, uint32_t &value)
     return true;
 }
 
-bool KCTextScanner::atLineEnd()
+bool KCTextScanner::atLineEndSlow()
 {
     while (m_p < m_end && isBlank(*m_p))
         ++m_p;

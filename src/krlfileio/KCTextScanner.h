@@ -5,6 +5,9 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace KCTextScannerDetail {
 constexpr uint8_t kBadNibble = 0x10;
@@ -24,6 +27,11 @@ constexpr std::array<uint8_t, 256> makeNibbleTable()
     }
     return t;
 }
+
+struct PairTable
+{
+    uint16_t v[65536];
+};
 } // namespace KCTextScannerDetail
 
 // Walks the bytes of a text file in place, record by record: line ends of any kind
@@ -35,12 +43,27 @@ class KCTextScanner
 public:
     static constexpr uint8_t kBadNibble = KCTextScannerDetail::kBadNibble;
     static constexpr uint8_t kDosEof = 0x1A;
+    static constexpr unsigned kBadPair = 0x100;
 
     KCTextScanner(const KCInputFile &file, KCFileMessage &sink);
 
     // Skips blanks, blank lines and line ends up to the first significant character of the
     // next line. False at the end of input (also at a 0x1A at the start of a line).
-    bool nextLine();
+    bool nextLine()
+    {
+        // The common case: CR LF or LF, then the next record at the start of the line.
+        const uint8_t *p = m_p;
+        if (m_end - p > 2 && p[0] == '\r' && p[1] == '\n' && p[2] > ' ' && p[2] != 0x7F) {
+            m_p = m_lineStart = p + 2;
+        } else if (m_end - p > 1 && p[0] == '\n' && p[1] > ' ' && p[1] != 0x7F) {
+            m_p = m_lineStart = p + 1;
+        } else {
+            return nextLineSlow();
+        }
+        ++m_line;
+        m_indented = false;
+        return true;
+    }
     // The current line had spaces or tabs before its first significant character.
     bool indented() const { return m_indented; }
 
@@ -54,6 +77,8 @@ public:
     void advance(size_t n) { m_p += n; }
 
     static unsigned nibble(uint8_t c) { return s_nibble[c]; }
+    // The byte of the two hex digits at p, or kBadPair.
+    static unsigned pairValue(const uint8_t *p) { return s_pairs.v[p[0] | unsigned(p[1]) << 8]; }
     static bool isHex(uint8_t c) { return s_nibble[c] < 16; }
     static bool isBlank(uint8_t c) { return c == ' ' || c == '\t'; }
     static bool isLineEnd(uint8_t c) { return c == '\r' || c == '\n'; }
@@ -67,15 +92,19 @@ public:
         const uint8_t *p = m_p;
         unsigned bad = 0;
         unsigned s = sum;
-        for (size_t i = 0; i < count; ++i, p += 2) {
-            const unsigned hi = s_nibble[p[0]];
-            const unsigned lo = s_nibble[p[1]];
-            bad |= hi | lo;
-            const unsigned v = (hi << 4) | lo;
+        size_t i = 0;
+#ifdef __SSE2__
+        for (; i + 16 <= count; i += 16, p += 32)
+            if (!decode16(p, out + i, s))
+                return false;
+#endif
+        for (; i < count; ++i, p += 2) {
+            const unsigned v = s_pairs.v[p[0] | unsigned(p[1]) << 8];
+            bad |= v;
             out[i] = uint8_t(v);
             s += v;
         }
-        if (bad & kBadNibble)
+        if (bad & kBadPair)
             return false;
         sum = s;
         m_p = p;
@@ -87,7 +116,12 @@ public:
 
     // Skips trailing blanks; true when only a line end, a 0x1A or the end of input follows.
     // The line end itself is left for nextLine().
-    bool atLineEnd();
+    bool atLineEnd()
+    {
+        if (m_p < m_end && isLineEnd(*m_p))
+            return true;
+        return atLineEndSlow();
+    }
     // Moves to the end of the current line (before its line end).
     void skipRestOfLine();
 
@@ -109,7 +143,40 @@ public:
     void fileWarning(const std::string &text) { m_sink.message(KCFileMessage::Warning, m_name, 0, text); }
 
 private:
+#ifdef __SSE2__
+    // 32 hex digits to 16 bytes at once; false if any is not a hex digit.
+    static bool decode16(const uint8_t *p, uint8_t *out, unsigned &sum)
+    {
+        const __m128i zero = _mm_setzero_si128();
+        __m128i bytes[2];
+        for (int half = 0; half < 2; ++half) {
+            const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p + 16 * half));
+            const __m128i d = _mm_sub_epi8(c, _mm_set1_epi8('0'));
+            const __m128i isDigit = _mm_cmpeq_epi8(_mm_min_epu8(d, _mm_set1_epi8(9)), d);
+            const __m128i l = _mm_sub_epi8(_mm_or_si128(c, _mm_set1_epi8(0x20)), _mm_set1_epi8('a'));
+            const __m128i isLetter = _mm_cmpeq_epi8(_mm_min_epu8(l, _mm_set1_epi8(5)), l);
+            if (_mm_movemask_epi8(_mm_or_si128(isDigit, isLetter)) != 0xFFFF)
+                return false;
+            const __m128i nibbles = _mm_or_si128(_mm_and_si128(d, isDigit),
+                                                 _mm_and_si128(_mm_add_epi8(l, _mm_set1_epi8(10)), isLetter));
+            // Little-endian 16-bit lanes hold (first digit, second digit).
+            const __m128i high = _mm_slli_epi16(_mm_and_si128(nibbles, _mm_set1_epi16(0x00FF)), 4);
+            bytes[half] = _mm_or_si128(high, _mm_srli_epi16(nibbles, 8));
+        }
+        const __m128i packed = _mm_packus_epi16(bytes[0], bytes[1]);
+        _mm_storeu_si128(reinterpret_cast<__m128i *>(out), packed);
+        const __m128i sums = _mm_sad_epu8(packed, zero);
+        sum += unsigned(_mm_cvtsi128_si32(sums)) + unsigned(_mm_cvtsi128_si32(_mm_srli_si128(sums, 8)));
+        return true;
+    }
+#endif
+
+    bool nextLineSlow();
+    bool atLineEndSlow();
+
     static constexpr std::array<uint8_t, 256> s_nibble = KCTextScannerDetail::makeNibbleTable();
+    // Byte value of two hex digits, indexed by first | second << 8; kBadPair when either is not a digit.
+    static const KCTextScannerDetail::PairTable s_pairs;
 
     std::string m_name;
     KCFileMessage &m_sink;
