@@ -4,8 +4,9 @@
 
 // JEDEC fuse maps: buffer offset n holds fuse n as 0 or 1 (the file address of a fuse is
 // its number). The reader checks the fuse checksum and the transmission checksum and
-// fills the JEDEC fields of KCLoadResult; the writer frames the map in STX ... ETX.
-// KCSaveOptions::header is the device name put into the design specification.
+// fills the JEDEC fields of KCLoadResult; KCLoadOptions::rangeLength is the device's fuse
+// count, and a file declaring more fuses is rejected. The writer frames the map in
+// STX ... ETX; KCSaveOptions::header is the device name put into the design specification.
 class KCJedecFile : public KCFileFormat
 {
 public:
