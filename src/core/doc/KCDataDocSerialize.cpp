@@ -128,7 +128,7 @@ void KCDataDoc::ReadKpfFile(KCArchive &ar)
 {
     // Project files are read by the project-file manager, which this build does not have.
     m_loadOk = 0;
-    m_host->ShowMessage(mark(KCMessageMarks::Error) + "WFailed to read file: " + ar.GetFilePath()
+    m_host->ShowMessage("\xA7" "EWFailed to read file: " + ar.GetFilePath()
                         + " : project files cannot be read by this version");
 }
 
@@ -170,7 +170,7 @@ void KCDataDoc::WriteJedFile(KCArchive &ar) { writeWithFormat(ar, "jedec"); }
 void KCDataDoc::WriteKpfFile(KCArchive &ar)
 {
     if (HasDeviceX() == 0) {
-        m_host->ShowMessage(mark(KCMessageMarks::Warning) + "WNo Device Selected.");
+        m_host->ShowMessage("\xA7" "WWNo Device Selected.");
         return;
     }
     const std::string &path = ar.GetFilePath();
@@ -183,7 +183,7 @@ void KCDataDoc::WriteKpfFile(KCArchive &ar)
 int KCDataDoc::WriteKpf2File(const std::string &path)
 {
     m_loadOk = 0;
-    m_host->ShowMessage(mark(KCMessageMarks::Warning) + "Failed to write file: " + path
+    m_host->ShowMessage("\xA7" "WFailed to write file: " + path
                         + " : project files cannot be written by this version");
     return 0;
 }

@@ -9,13 +9,15 @@ KCMessageMarks::Parsed KCMessageMarks::parse(const std::string &line)
         p.text = line;
         return p;
     }
-    // The marks end where a capital starts a word: "EWFailed" -> "EW" + "Failed".
-    size_t i = 1;
-    while (i + 1 < line.size() && std::isupper(static_cast<unsigned char>(line[i]))
-           && std::isupper(static_cast<unsigned char>(line[i + 1])))
-        ++i;
-    p.marks = line.substr(1, i - 1);
-    p.text = line.substr(i);
+    // The marks are the capitals after the mark byte; when they run into a word the last
+    // capital starts that word ("EWFailed" -> "EW" + "Failed"). One blank may separate them.
+    size_t end = 1;
+    while (end < line.size() && std::isupper(static_cast<unsigned char>(line[end])))
+        ++end;
+    if (end - 1 >= 2 && end < line.size() && std::islower(static_cast<unsigned char>(line[end])))
+        --end;
+    p.marks = line.substr(1, end - 1);
+    p.text = line.substr(end < line.size() && line[end] == ' ' ? end + 1 : end);
     if (!p.marks.empty()) {
         switch (p.marks[0]) {
         case 'E': p.severity = Error; break;
@@ -31,9 +33,9 @@ std::string KCMessageMarks::prefix(Severity severity)
 {
     const std::string mark(1, static_cast<char>(MarkByte));
     switch (severity) {
-    case Error: return mark + "E";
-    case Warning: return mark + "W";
-    case Information: return mark + "I";
+    case Error: return mark + "E ";
+    case Warning: return mark + "W ";
+    case Information: return mark + "I ";
     default: return {};
     }
 }

@@ -19,6 +19,7 @@ public:
     };
 
     static Parsed parse(const std::string &line);
-    // The mark prefix for a severity, e.g. "\xA7" "E" for an error.
+    // The mark prefix for a severity, e.g. "\xA7" "E " for an error (the blank keeps the
+    // marks apart from a text that starts with capitals).
     static std::string prefix(Severity severity);
 };

@@ -79,7 +79,7 @@ TEST(KCDataDocPipeline, ABadFileIsReportedWithLineAndKeepsWhatWasRead)
     EXPECT_EQ(doc.GetData(0x10), 1); // the first record stays
     EXPECT_TRUE(doc.IsModified());
     EXPECT_TRUE(anyMessage(host, dir.file("bad.hex") + " : line 2"));
-    EXPECT_TRUE(anyMessage(host, "\xA7" "E" "Error reading file"));
+    EXPECT_TRUE(anyMessage(host, "\xA7" "E Error reading file"));
 
     EXPECT_FALSE(doc.OnOpenDocument(dir.file("missing.hex").c_str()));
     EXPECT_TRUE(anyMessage(host, dir.file("missing.hex")));

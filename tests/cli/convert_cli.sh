@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# krldv convert against srec_cat on generated images, and malformed inputs through the CLI.
+set -u
+KRLDV="$1"
+T="$(mktemp -d)"; trap 'rm -rf "$T"' EXIT
+fail=0
+bad() { echo "FAIL $*"; fail=1; }
+
+if ! command -v srec_cat >/dev/null; then
+  echo "srec_cat missing: differential part skipped"
+else
+  head -c 200000 /dev/urandom > "$T/rand.bin"
+  # name | srec_cat input generation | krldv --from
+  while IFS='|' read -r name gen from; do
+    [ -z "$name" ] && continue
+    eval "srec_cat $gen" || { bad "$name: srec_cat could not generate"; continue; }
+    "$KRLDV" convert "$T/$name.in" "$T/$name.bin" --from "$from" --to bin 2>"$T/$name.err" || { bad "$name: convert failed: $(cat "$T/$name.err")"; continue; }
+    # srec_cat's view of the same input, filled with 0xFF from 0 to its end
+    end=$(srec_cat "$T/$name.in" $(cat "$T/$name.fmt") -o - -binary 2>/dev/null | wc -c)
+    srec_cat "$T/$name.in" $(cat "$T/$name.fmt") -fill 0xFF 0 "$end" -o "$T/$name.ref" -binary 2>/dev/null
+    cmp -s "$T/$name.bin" "$T/$name.ref" || bad "$name: differs from srec_cat"
+  done <<LIST
+dense16|"$T/rand.bin" -binary -o "$T/dense16.in" -intel -obs=16; echo -intel > "$T/dense16.fmt"|intel
+dense32|"$T/rand.bin" -binary -offset 0x12340 -o "$T/dense32.in" -intel -obs=32; echo -intel > "$T/dense32.fmt"|intel
+above16m|"$T/rand.bin" -binary -offset 0x1000000 -crop 0x1000000 0x1000400 "$T/rand.bin" -binary -offset 0x20 -crop 0x20 0x80 -o "$T/above16m.in" -intel; echo -intel > "$T/above16m.fmt"|intel
+segment|"$T/rand.bin" -binary -offset 0x18000 -crop 0x18000 0x1A000 -o "$T/segment.in" -intel -address-length=3; echo -intel > "$T/segment.fmt"|intel
+sparse|-generate 0x10 0x20 -constant 0x11 -generate 0x30000 0x30010 -repeat-string abc -o "$T/sparse.in" -intel; echo -intel > "$T/sparse.fmt"|intel
+s1|"$T/rand.bin" -binary -crop 0 0x8000 -o "$T/s1.in" -motorola -address-length=2; echo -motorola > "$T/s1.fmt"|motorola
+s2|"$T/rand.bin" -binary -offset 0x20000 -o "$T/s2.in" -motorola -address-length=3; echo -motorola > "$T/s2.fmt"|motorola
+s3|"$T/rand.bin" -binary -offset 0x1000000 -crop 0x1000000 0x1001000 -o "$T/s3.in" -motorola -address-length=4; echo -motorola > "$T/s3.fmt"|motorola
+titxt|"$T/rand.bin" -binary -crop 0 0x3000 -o "$T/titxt.in" -ti-txt; echo -ti-txt > "$T/titxt.fmt"|ti
+titagged|"$T/rand.bin" -binary -crop 0 0x3000 -o "$T/titagged.in" -ti-tagged; echo -ti-tagged > "$T/titagged.fmt"|ti
+LIST
+
+  # Our writers, read back by srec_cat, give the original image.
+  for to in intel motorola; do
+    "$KRLDV" convert "$T/rand.bin" "$T/out.$to" --to "$to" --record-bytes 32 || { bad "bin -> $to failed"; continue; }
+    fmt=-$to
+    srec_cat "$T/out.$to" $fmt -o "$T/back.$to.bin" -binary 2>"$T/err" || bad "srec_cat rejects our $to output: $(cat "$T/err")"
+    cmp -s "$T/back.$to.bin" "$T/rand.bin" || bad "bin -> $to -> srec_cat differs"
+  done
+  "$KRLDV" convert "$T/rand.bin" "$T/lf.hex" --line-ending lf || bad "lf output"
+  grep -q $'\r' "$T/lf.hex" && bad "--line-ending lf wrote CR"
+  "$KRLDV" convert "$T/rand.bin" "$T/part.bin" --range 0x10:0x1F && [ "$(wc -c < "$T/part.bin")" -eq 16 ] || bad "--range for bin output"
+fi
+
+# Malformed inputs: exit 1 and a message naming the file and the line.
+i=0
+while IFS='|' read -r fmt line content; do
+  [ -z "$fmt" ] && continue
+  i=$((i + 1)); f="$T/bad$i.$fmt"
+  printf "$content" > "$f"
+  msg=$("$KRLDV" convert "$f" "$T/bad$i.bin" 2>&1); rc=$?
+  [ "$rc" -eq 1 ] || bad "malformed $i ($fmt): exit $rc, expected 1"
+  case "$msg" in *"bad$i.$fmt : line $line"*) ;; *) bad "malformed $i ($fmt): message lacks file and line $line: $msg" ;; esac
+  [ -e "$T/bad$i.bin" ] && bad "malformed $i ($fmt): output written"
+done <<LIST
+hex|2|:0400100001020304E2\r\n:0400200001020304E3\r\n:00000001FF\r\n
+hex|1|:040010000102030E2\r\n:00000001FF\r\n
+hex|1|:0500100001020304E2\r\n
+hex|2|:0400100001020304E2\r\n:0400100009010203\r\n
+hex|2|:0400100001020304E2\r\n:04001000010\x0003E2\r\n
+hex|1|:02000006FFFFFA\r\n
+hex|1|hello world\r\n
+srec|1|S1130000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFD\r\n
+srec|2|S00600004844521B\r\nS1ZZ\r\n
+LIST
+
+# A good file whose output cannot be written leaves the old output as it was.
+printf 'old' > "$T/keep.hex"
+"$KRLDV" convert "$T/bad1.hex" "$T/keep.hex" >/dev/null 2>&1
+[ "$(cat "$T/keep.hex")" = old ] || bad "a failed convert damaged the output file"
+exit $fail
