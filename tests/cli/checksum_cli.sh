@@ -16,6 +16,11 @@ check "fuse sum" "$("$KRLDV" checksum "$T/fuse.bin" --kind fuse)" "0x000000AA"
 check "fuse sum of a range" "$("$KRLDV" checksum "$T/fuse.bin" --kind fuse --range 8:0xB)" "0x0000000D"
 check "byte sum of a range" "$("$KRLDV" checksum "$T/fuse.bin" --range 4:7)" "0x0000017F"
 
+# A JEDEC file holds fuse n at address n: the fuse sum over 0..QF-1 is its C field.
+JED="$(dirname "$0")/../data/jedec/tiny-crlf.jed"
+check "JEDEC C field" "$("$KRLDV" checksum "$JED" --kind fuse --range 0:23 2>/dev/null)" "0x0000019C"
+"$KRLDV" info "$JED" | grep -q "fuse checksum: stated 0x019C, computed 0x019C" || { echo "FAIL info of a JEDEC file"; fail=1; }
+
 "$KRLDV" checksum >/dev/null 2>&1; check "no file" "$?" 2
 "$KRLDV" checksum "$T/fuse.bin" --kind bits >/dev/null 2>&1; check "bad kind" "$?" 2
 "$KRLDV" checksum "$T/fuse.bin" --range 5:2 >/dev/null 2>&1; check "reversed range" "$?" 2
