@@ -169,6 +169,13 @@ bool KCHexFileTI::parseText(KCTextScanner &s, KCLoadTarget &target, KCLoadResult
             for (;;) {
                 const uint8_t *token = p;
                 unsigned v = 0;
+                // The usual layout first: two digits and one blank per byte.
+                while (end - p >= 3 && p[2] == ' ' && (v = KCTextScanner::pairValue(p)) <= 0xFF) {
+                    if (!run.add(uint8_t(v)))
+                        return false;
+                    p += 3;
+                    token = p;
+                }
                 while (end - p >= 2 && (v = KCTextScanner::pairValue(p)) <= 0xFF) {
                     if (!run.add(uint8_t(v)))
                         return false;
