@@ -91,3 +91,21 @@ TEST(KCHexFileTI, TaggedChecksumAndAddressing)
         EXPECT_FALSE(l.result.ok) << bad;
     }
 }
+
+// Content detection and extensions of the hex formats through the one format table.
+TEST(KCHexFormatTable, DetectionAndExtensions)
+{
+    auto detect = [](const std::string &text) {
+        const KCFileFormatInfo *f =
+            KCFileFormatRegistry::detect(reinterpret_cast<const uint8_t *>(text.data()), text.size());
+        return std::string(f ? f->name : "none");
+    };
+    EXPECT_EQ(detect(dataFile("intel/krldv-i16.hex")), "intel");
+    EXPECT_EQ(detect("\xEF\xBB\xBF\r\n  " + dataFile("motorola/krldv-s3.srec")), "motorola");
+    EXPECT_EQ(detect(dataFile("ti/krldv-tagged.ti")), "ti");
+    EXPECT_EQ(detect(dataFile("bin/krldv.bin")), "none");
+    EXPECT_EQ(detect("Hello"), "none");
+    for (const char *ext : {"HEX", "ihx", "s19", "S37", "srec", "mot", "mhx", "ti", "bin"})
+        EXPECT_NE(KCFileFormatRegistry::byExtension(ext), nullptr) << ext;
+    EXPECT_EQ(KCFileFormatRegistry::byExtension("txt"), nullptr);
+}

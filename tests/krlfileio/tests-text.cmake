@@ -6,4 +6,5 @@ list(APPEND KRLFILEIO_TEST_SOURCES
   KCBinFileTest.cpp
   KCMalformedInputTest.cpp
   KCSrecCatDiffTest.cpp
+  KCMappedFileTest.cpp
 )
