@@ -3,6 +3,7 @@
 #include "KCDocView.h"
 #include "KCHostStrings.h"
 #include "KCMainProgDataExChange.h"
+#include "KCSerialDefCtrl.h"
 #include "KCFormat.h"
 #include "cBufferSum.h"
 
@@ -75,6 +76,7 @@ KCDataDoc::KCDataDoc() : m_host(g_pMainProgDataExChange)
     main.kind = VIEWITEM_KIND_BUFFERVIEW;
     main.number = 0;
     m_viewItems.push_back(main);
+    InitSerialNumberDefault();
 }
 
 KCDataDoc::~KCDataDoc() = default;

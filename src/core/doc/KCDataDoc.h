@@ -14,6 +14,7 @@
 #include <vector>
 
 class KCArchive;
+class KCSerialDefCtrl;
 class KCMainProgDataExChange;
 
 // Hints passed to the views by UpdateAllViews.
@@ -76,6 +77,30 @@ public:
     bool CanReloadDoc() const;
     void PostOpenLoadFile();
     void SetStandardAutoAction();
+
+    // Serial numbers of a production run.
+    void InitSerialNumberDefault();
+    int EnableSerialNumberUsability(int enable);
+    int GetNextSerialNumberFromFile(int advance, int readFile);
+    int GetSerialNumber();
+    int WriteSerialNumberToBuffer();
+    void InvalidateCurrentSerialNumber() { m_serialValid = false; }
+    bool isSerialNumberValid() const { return m_serialValid; }
+    int UpdateSerialDataFromFile();
+    KCSerialDefCtrl *serialDefCtrl() const { return m_serialDefCtrl.get(); }
+    int serialMode() const { return m_serialMode; }
+    void setSerialMode(int mode) { m_serialMode = mode; }
+    const std::string &serialNumberText() const { return m_serialNumber; }
+    unsigned serialLength() const { return m_serialLength; }
+    unsigned serialValue() const { return m_serialValue; }
+    unsigned serialFlags() const { return m_serialFlags; }
+    void setSerialFlags(unsigned flags) { m_serialFlags = flags; }
+    unsigned serialByteCount() const { return m_serialByteCount; }
+    void setSerialByteCount(unsigned count) { m_serialByteCount = count; }
+    unsigned serialAddress() const { return m_serialAddress; }
+    void setSerialAddress(unsigned address) { m_serialAddress = address; }
+    const std::string &serialDefPath() const { return m_serialDefPath; }
+    void setSerialDefPath(const std::string &path) { m_serialDefPath = path; }
 
     // Writer settings (record length, line ends, header) and what the last load found.
     KCSaveOptions &saveOptions() { return m_saveOptions; }
@@ -155,6 +180,18 @@ private:
     std::string m_ownPathName;
     int m_selectIndex = -1;
     KCSaveOptions m_saveOptions;
+
+    std::unique_ptr<KCSerialDefCtrl> m_serialDefCtrl;
+    int m_serialMode = 0;
+    std::string m_serialNumber;
+    unsigned m_serialLength = 0;
+    unsigned m_serialValue = 0;
+    std::string m_serialData;
+    unsigned m_serialFlags = 0;
+    unsigned m_serialByteCount = 0;
+    unsigned m_serialAddress = 0;
+    std::string m_serialDefPath;
+    bool m_serialValid = false;
     KCLoadResult m_lastLoad;
 
     void readWithFormat(KCArchive &ar, const char *formatName, unsigned descriptionId);

@@ -1,5 +1,6 @@
 list(APPEND KRLDV_CORE_SOURCES
   doc/KCDataDoc.cpp
+  doc/KCDataDocSerial.cpp
   doc/KCDataDocSerialize.cpp
   doc/KCDocBase.cpp
   doc/KCUiAdrDataManager.cpp

@@ -118,6 +118,8 @@ public:
     virtual KCDocBase *OpenDocumentFile(const std::string &) { return nullptr; }
     // Gives a new document the host's standard auto action.
     virtual void SetStandardAutoAction(KCDocBase *) {}
+    // Where the default serial definition file lives.
+    virtual std::string GetSerialDefaultFilePath() const { return "krdefser.ser"; }
     // Nonzero when the save prompt must not mention project files.
     virtual int GetNoProjectHintFlag() const { return 0; }
 
