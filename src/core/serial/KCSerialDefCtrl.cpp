@@ -629,8 +629,15 @@ int KCSerialDefCtrl::BUFW_ModifySerialBlock(int line, unsigned value, const std:
         end = start;
 
     std::string replacement = prefix + toDigits(value, Hex, 0);
-    if (replacement.size() < end - start)
-        replacement.append(end - start - replacement.size(), ' ');
+    if (replacement.size() < end - start) {
+        // Blanks after the value would join it to a "}" that follows; before the key they
+        // are trimmed away.
+        const size_t padding = end - start - replacement.size();
+        if (end == dataEnd)
+            replacement.append(padding, ' ');
+        else
+            replacement.insert(0, padding, ' ');
+    }
     m_text.replace(start, end - start, replacement);
     return 1;
 }

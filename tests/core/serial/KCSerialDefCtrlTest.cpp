@@ -186,14 +186,14 @@ TEST_F(SerialDefTest, WriteBackKeepsEveryOtherByte)
                                "  LIST_NUMBER=\"AB\"\r\n"
                                "  LIST_NUMBER=0xABC\r\n"
                                "  LIST_NUMBER=\"x\"\r\n"
-                               "  NEXTINDEX=0}\r\n"
+                               "   NEXTINDEX=0}\r\n"
                                "// end\r\n";
     const std::string path = write(before);
     Ctrl ctrl(&host, path);
     EXPECT_EQ(take(ctrl, HexBin), "\xff");
     std::string after = before;
     after.replace(after.find("\tnext = 0xff ,  "), 16, "NEXT=0x0        ");
-    after.replace(after.find("  NEXTINDEX=0}"), 14, "NEXTINDEX=0x0}");
+    after.replace(after.find("   NEXTINDEX=0}"), 15, " NEXTINDEX=0x0}");
     EXPECT_EQ(read(path), after);
     EXPECT_EQ(take(ctrl, HexBin), std::string(1, '\0'));
 
@@ -203,7 +203,7 @@ TEST_F(SerialDefTest, WriteBackKeepsEveryOtherByte)
         EXPECT_EQ(take(ctrl, 0, 1), element);
     EXPECT_EQ(take(ctrl, Ctrl::FlagLittleEndian, 1), "\xBC\x0A");
     const std::string now = read(path);
-    EXPECT_NE(now.find("\r\nNEXTINDEX=0x2}\r\n// end\r\n"), std::string::npos) << now;
+    EXPECT_NE(now.find("\r\n NEXTINDEX=0x2}\r\n// end\r\n"), std::string::npos) << now;
     EXPECT_EQ(now.substr(0, now.find("NEXT=")), before.substr(0, before.find("\tnext")));
     EXPECT_EQ(ctrl.FILE_UpdateDefFileInfo(), 1);
     EXPECT_EQ(ctrl.GetSerialBlock(1).nextIndex, 2u);
