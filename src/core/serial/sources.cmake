@@ -1,4 +1,5 @@
 list(APPEND KRLDV_CORE_SOURCES
   serial/cSerialDefFile.cpp
   serial/KCSerialDefCtrl.cpp
+  serial/KCSerialSettings.cpp
 )

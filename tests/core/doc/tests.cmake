@@ -1,6 +1,7 @@
 list(APPEND KRLDV_CORE_TEST_SOURCES
   core/doc/KCDataDocTest.cpp
   core/doc/KCDataDocSerialTest.cpp
+  core/doc/KCSerialSettingsTest.cpp
   core/doc/KCDataDocChecksumTest.cpp
   core/doc/KCUiAdrDataManagerTest.cpp
   core/doc/cBufferSumTest.cpp

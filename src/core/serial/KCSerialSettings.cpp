@@ -1,0 +1,202 @@
+#include "KCSerialSettings.h"
+
+#include "KCDataDoc.h"
+#include "KCMainProgDataExChange.h"
+#include "KCSerialDefCtrl.h"
+
+#include <cstdio>
+
+namespace {
+
+struct FlagPair
+{
+    unsigned a, b;
+};
+
+const FlagPair Partners[] = {
+    {KCSerialDefCtrl::FlagDec, KCSerialDefCtrl::FlagHex},
+    {KCSerialDefCtrl::FlagAsc, KCSerialDefCtrl::FlagBin},
+    {KCSerialDefCtrl::FlagBigEndian, KCSerialDefCtrl::FlagLittleEndian},
+};
+
+bool endsWith(const std::string &s, const std::string &tail)
+{
+    return s.size() >= tail.size() && s.compare(s.size() - tail.size(), tail.size(), tail) == 0;
+}
+
+} // namespace
+
+KCSerialSettings::KCSerialSettings(KCDataDoc *doc) : m_doc(doc)
+{
+    m_choice = GetSerialChoiceType(*doc);
+    m_fileName = doc->serialDefPath();
+    m_flags = doc->serialFlags();
+    m_address = doc->serialAddress();
+    m_byteCount = doc->serialByteCount();
+    readFirstBlock();
+}
+
+KCSerialSettings::Choice KCSerialSettings::GetSerialChoiceType(const KCDataDoc &doc)
+{
+    if (doc.serialMode() == 0)
+        return ChoiceNone;
+    return endsWith(doc.serialDefPath(), KCSerialDefCtrl::DefaultFileName) ? ChoiceInternal : ChoiceCustom;
+}
+
+void KCSerialSettings::setChoice(Choice choice)
+{
+    m_choice = choice;
+    if (choice == ChoiceInternal) {
+        const std::string path = m_doc->host()->GetSerialDefaultFilePath();
+        m_fileChosen = m_fileChosen || path != m_fileName;
+        m_fileName = path;
+    }
+    readFirstBlock();
+}
+
+void KCSerialSettings::setFileName(const std::string &path)
+{
+    m_fileName = path;
+    m_fileChosen = true;
+    readFirstBlock();
+}
+
+void KCSerialSettings::setFlag(unsigned bit)
+{
+    for (const FlagPair &p : Partners) {
+        if (bit == p.a)
+            m_flags = (m_flags | p.a) & ~p.b;
+        else if (bit == p.b)
+            m_flags = (m_flags | p.b) & ~p.a;
+    }
+}
+
+void KCSerialSettings::setFirst(unsigned length, unsigned next, unsigned step)
+{
+    m_firstLength = length;
+    m_firstNext = next;
+    m_firstStep = step;
+}
+
+bool KCSerialSettings::readFirstBlock()
+{
+    m_firstLength = m_firstNext = m_firstStep = 0;
+    if (m_choice == ChoiceNone || m_fileName.empty())
+        return false;
+    KCSerialDefCtrl ctrl(m_doc->host(), m_fileName);
+    if (!ctrl.FILE_UpdateDefFileInfo() || ctrl.blockCount() == 0)
+        return false;
+    const TAG_SERIAL_NUMBER first = ctrl.GetSerialBlock(0);
+    setFirst(first.length, first.next, first.step);
+    return true;
+}
+
+bool KCSerialSettings::OnSerialSaveDefault()
+{
+    if (m_choice == ChoiceNone || m_fileName.empty())
+        return false;
+    KCSerialDefCtrl ctrl(m_doc->host(), m_fileName);
+    if (!ctrl.FILE_UpdateDefFileInfo() || ctrl.blockCount() == 0)
+        return false;
+    TAG_SERIAL_NUMBER first = ctrl.GetSerialBlock(0);
+    first.length = static_cast<uint16_t>(m_firstLength);
+    first.next = m_firstNext;
+    first.step = m_firstStep;
+    return ctrl.SetSerialBlock(0, first) && ctrl.FILE_WriteSerialFile();
+}
+
+bool KCSerialSettings::preview(std::string &bytes) const
+{
+    bytes.clear();
+    if (m_choice == ChoiceNone || m_fileName.empty())
+        return false;
+    KCSerialDefCtrl ctrl(m_doc->host(), m_fileName);
+    unsigned flags = m_flags, length = 0, value = 0;
+    std::string data(KCSerialDefCtrl::DataBufferSize, '\0');
+    if (!ctrl.SERIAL_GetNextSerialNumber(0, &flags, &length, &value, &data[0], &bytes, 0, 1))
+        return false;
+    if (bytes.size() > m_byteCount)
+        bytes.resize(m_byteCount);
+    return true;
+}
+
+std::string KCSerialSettings::previewText() const
+{
+    std::string bytes;
+    if (!preview(bytes))
+        return {};
+    std::string hex;
+    for (unsigned char c : bytes) {
+        char buf[4];
+        std::snprintf(buf, sizeof buf, hex.empty() ? "%02X" : " %02X", c);
+        hex += buf;
+    }
+    if (m_flags & KCSerialDefCtrl::FlagAsc)
+        return "\"" + bytes + "\"  (" + hex + ")";
+    return hex;
+}
+
+bool KCSerialSettings::OnApply()
+{
+    KCDataDoc &doc = *m_doc;
+    bool changed = false;
+    if (doc.serialFlags() != m_flags) {
+        doc.setSerialFlags(m_flags);
+        changed = true;
+    }
+    if (doc.serialByteCount() != m_byteCount) {
+        doc.setSerialByteCount(m_byteCount);
+        changed = true;
+    }
+    if (doc.serialAddress() != m_address) {
+        doc.setSerialAddress(m_address);
+        changed = true;
+    }
+    bool fileIsNew = false;
+    if (m_fileChosen && !m_fileName.empty() && m_fileName != doc.serialDefPath()) {
+        doc.setSerialDefPath(m_fileName);
+        changed = fileIsNew = true;
+    }
+
+    const bool docOn = doc.serialMode() != 0 && doc.serialDefCtrl();
+    if (m_choice == ChoiceNone) {
+        if (docOn) {
+            doc.EnableSerialNumberUsability(0);
+            changed = true;
+        }
+        doc.setSerialMode(0);
+    } else if (!docOn) {
+        // A preview only: applying never consumes a number.
+        if (doc.EnableSerialNumberUsability(1) && doc.GetNextSerialNumberFromFile(0, 1)) {
+            doc.setSerialMode(m_choice);
+            changed = true;
+        } else {
+            doc.EnableSerialNumberUsability(0);
+            doc.setSerialMode(0);
+            m_choice = ChoiceNone;
+        }
+    } else {
+        bool ok = true;
+        if (fileIsNew || m_reload) {
+            doc.serialDefCtrl()->FILE_SetSerialFilename(doc.serialDefPath());
+            ok = doc.GetNextSerialNumberFromFile(0, 1) != 0;
+        } else {
+            ok = doc.GetSerialNumber() != 0;
+        }
+        if (!ok && (fileIsNew || m_reload)) {
+            doc.EnableSerialNumberUsability(0);
+            doc.setSerialMode(0);
+            m_choice = ChoiceNone;
+            changed = true;
+        } else {
+            doc.setSerialMode(m_choice);
+        }
+    }
+    m_reload = false;
+    m_fileChosen = false;
+    if (changed) {
+        doc.SetModifiedFlag(1);
+        doc.UpdateAllViews(nullptr, DOCHINT_ALL);
+    }
+    return changed;
+}
