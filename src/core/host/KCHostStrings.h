@@ -29,6 +29,10 @@ constexpr unsigned FailedToSave = 0xF102;       // no arguments
 constexpr unsigned AskToSave = 0xF103;          // document file name
 constexpr unsigned ViewHeaderRow = 2466;        // no arguments
 constexpr unsigned ViewClosingRow = 2472;       // no arguments
+constexpr unsigned SerialUnknownType = 0xEF32;  // file, line, block name
+constexpr unsigned SerialBadLength = 0xEF33;    // file, line, block name, length
+constexpr unsigned SerialControlChar = 0xEF39;  // file, line, byte
+constexpr unsigned SerialNoNumberLine = 0xEF3A; // file, line, block name
 
 struct Entry
 {
@@ -63,6 +67,10 @@ constexpr Entry All[] = {
     {AskToSave, 1},
     {ViewHeaderRow, 0},
     {ViewClosingRow, 0},
+    {SerialUnknownType, 3},
+    {SerialBadLength, 4},
+    {SerialControlChar, 3},
+    {SerialNoNumberLine, 3},
 };
 
 } // namespace KCHostStrings

@@ -1,6 +1,7 @@
 #include "KCSerialDefCtrl.h"
 
 #include "KCFormat.h"
+#include "KCHostStrings.h"
 #include "KCMainProgDataExChange.h"
 #include "cSerialDefFile.h"
 
@@ -246,13 +247,13 @@ int KCSerialDefCtrl::SERIAL_GetNextSerialNumber(int block, unsigned *flags, unsi
         const int numberLine = b.type == TAG_SERIAL_NUMBER::TypeList ? b.nextIndexLine : b.nextLine;
         if (readFile && advance && b.type != TAG_SERIAL_NUMBER::TypeNone && numberLine == TAG_SERIAL_NUMBER::NoLine) {
             // Handing out a number the file cannot remember would repeat it at every station.
-            showMessage(IdsNoNumberLine, {m_fileName, lineNumberAt(b.braceOpen) + 1, b.name});
+            showMessage(KCHostStrings::SerialNoNumberLine, {m_fileName, lineNumberAt(b.braceOpen) + 1, b.name});
         } else if (b.type == TAG_SERIAL_NUMBER::TypeCalc) {
             ok = SERIAL_GetNextSerialCalcNumber(&b, flags, length, value, data, text, advance);
         } else if (b.type == TAG_SERIAL_NUMBER::TypeList) {
             ok = SERIAL_GetNextSerialListNumber(&b, flags, length, data, text, advance);
         } else {
-            showMessage(IdsUnknownBlockType, {m_fileName, lineNumberAt(b.braceOpen) + 1, b.name});
+            showMessage(KCHostStrings::SerialUnknownType, {m_fileName, lineNumberAt(b.braceOpen) + 1, b.name});
         }
     }
     if (ok && readFile && advance)
@@ -270,7 +271,7 @@ int KCSerialDefCtrl::SERIAL_GetNextSerialCalcNumber(TAG_SERIAL_NUMBER *block, un
     *value = block->next;
     *flags = (*flags & ~(FlagList | FlagConsumed)) | FlagCalc | (advance ? FlagConsumed : 0);
     if (block->length < MinCalcLength || block->length > MaxCalcLength) {
-        showMessage(IdsBadLength, {m_fileName, lineNumberAt(block->braceOpen) + 1, block->name,
+        showMessage(KCHostStrings::SerialBadLength, {m_fileName, lineNumberAt(block->braceOpen) + 1, block->name,
                                    static_cast<unsigned>(block->length)});
         return 0;
     }
@@ -661,7 +662,7 @@ void KCSerialDefCtrl::reportControlCharacters() const
                 reported = false;
             }
         } else if (c != Tab && !reported) {
-            showMessage(IdsControlCharacter, {m_fileName, line, static_cast<unsigned>(c)});
+            showMessage(KCHostStrings::SerialControlChar, {m_fileName, line, static_cast<unsigned>(c)});
             reported = true;
         }
     }

@@ -47,12 +47,6 @@ public:
     static constexpr unsigned MinCalcLength = 1;
     static constexpr unsigned MaxCalcLength = 4;
 
-    // Host string ids.
-    static constexpr unsigned IdsUnknownBlockType = 0xEF32;
-    static constexpr unsigned IdsBadLength = 0xEF33;
-    static constexpr unsigned IdsControlCharacter = 0xEF39;
-    static constexpr unsigned IdsNoNumberLine = 0xEF3A;
-
     KCSerialDefCtrl(KCMainProgDataExChange *host, const std::string &fileName);
     ~KCSerialDefCtrl();
     KCSerialDefCtrl(const KCSerialDefCtrl &) = delete;
