@@ -136,6 +136,40 @@ inline std::vector<uint8_t> slice(const std::vector<uint8_t> &bytes, size_t offs
     return std::vector<uint8_t>(bytes.begin() + long(offset), bytes.begin() + long(offset + n));
 }
 
+inline std::string hexOf(const std::vector<uint8_t> &bytes)
+{
+    static const char digits[] = "0123456789ABCDEF";
+    std::string s;
+    for (uint8_t b : bytes)
+        s += {digits[b >> 4], digits[b & 15]};
+    return s;
+}
+
+// Independent record builders, so generated test files do not depend on our writers.
+inline std::string intelRecord(uint8_t type, uint16_t offset, const std::vector<uint8_t> &data)
+{
+    std::vector<uint8_t> rec = {uint8_t(data.size()), uint8_t(offset >> 8), uint8_t(offset), type};
+    rec.insert(rec.end(), data.begin(), data.end());
+    unsigned sum = 0;
+    for (uint8_t b : rec)
+        sum += b;
+    rec.push_back(uint8_t(0x100 - (sum & 0xFF)));
+    return ":" + hexOf(rec);
+}
+
+inline std::string srecRecord(int type, uint64_t address, unsigned addressBytes, const std::vector<uint8_t> &data)
+{
+    std::vector<uint8_t> rec = {uint8_t(addressBytes + data.size() + 1)};
+    for (unsigned i = addressBytes; i-- > 0;)
+        rec.push_back(uint8_t(address >> (8 * i)));
+    rec.insert(rec.end(), data.begin(), data.end());
+    unsigned sum = 0;
+    for (uint8_t b : rec)
+        sum += b;
+    rec.push_back(uint8_t(~sum));
+    return "S" + std::to_string(type) + hexOf(rec);
+}
+
 inline const std::vector<uint8_t> kKrldv = {'K', 'R', 'L', 'D', 'V', 0x00, 0x01, 0x02, 0xFF};
 
 // Deterministic pseudo-random bytes (xorshift), so a failure can be reproduced.

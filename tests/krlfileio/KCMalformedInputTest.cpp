@@ -19,39 +19,6 @@ struct FormatSamples
     std::vector<Sample> samples;
 };
 
-std::string hexOf(const std::vector<uint8_t> &bytes)
-{
-    static const char digits[] = "0123456789ABCDEF";
-    std::string s;
-    for (uint8_t b : bytes)
-        s += {digits[b >> 4], digits[b & 15]};
-    return s;
-}
-
-std::string intelRecord(uint8_t type, uint16_t offset, std::vector<uint8_t> data)
-{
-    std::vector<uint8_t> rec = {uint8_t(data.size()), uint8_t(offset >> 8), uint8_t(offset), type};
-    rec.insert(rec.end(), data.begin(), data.end());
-    unsigned sum = 0;
-    for (uint8_t b : rec)
-        sum += b;
-    rec.push_back(uint8_t(0x100 - (sum & 0xFF)));
-    return ":" + hexOf(rec);
-}
-
-std::string srecRecord(int type, uint64_t address, unsigned addressBytes, std::vector<uint8_t> data)
-{
-    std::vector<uint8_t> rec = {uint8_t(addressBytes + data.size() + 1)};
-    for (unsigned i = addressBytes; i-- > 0;)
-        rec.push_back(uint8_t(address >> (8 * i)));
-    rec.insert(rec.end(), data.begin(), data.end());
-    unsigned sum = 0;
-    for (uint8_t b : rec)
-        sum += b;
-    rec.push_back(uint8_t(~sum));
-    return "S" + std::to_string(type) + hexOf(rec);
-}
-
 std::vector<Sample> intelSamples()
 {
     const std::string pre = intelRecord(0, 0, {0x11}) + "\r\n\n";
