@@ -93,7 +93,8 @@ bool KCSerialSettings::readFirstBlock()
 
 bool KCSerialSettings::OnSerialSaveDefault()
 {
-    if (m_choice == ChoiceNone || m_fileName.empty())
+    if (m_choice == ChoiceNone || m_fileName.empty() || m_firstLength < KCSerialDefCtrl::MinCalcLength
+        || m_firstLength > KCSerialDefCtrl::MaxCalcLength)
         return false;
     KCSerialDefCtrl ctrl(m_doc->host(), m_fileName);
     if (!ctrl.FILE_UpdateDefFileInfo() || ctrl.blockCount() == 0)
