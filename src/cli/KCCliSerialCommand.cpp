@@ -2,6 +2,10 @@
 
 #include "KCCliArgs.h"
 #include "KCCliHost.h"
+#include "KCCliImageLoader.h"
+#include "KCDataDoc.h"
+#include "KCFileFormatRegistry.h"
+#include "KCFormatNames.h"
 #include "KCSerialDefCtrl.h"
 
 #include <cstdio>
@@ -32,11 +36,113 @@ const char *KCCliSerialCommand::usage() const
            "  --advance        consume the number: the file is advanced as a station does it,\n"
            "                   waiting while another station holds the file\n"
            "  --repr R         representation of a CALC number (default hex-asc)\n"
-           "  --little-endian  reverse the bytes\n";
+           "  --little-endian  reverse the bytes\n"
+           "\n"
+           "usage: krldv serial stamp IMAGE DEFFILE --address A [--count N] [--repr R]\n"
+           "                          [--little-endian] [--from NAME] [--to NAME] -o OUT\n"
+           "\n"
+           "Consumes the next number of the file's first block, writes it into the image at\n"
+           "buffer address A (at most N bytes; default: the whole number) and saves the image\n"
+           "as OUT (format from --to or OUT's extension). Prints the number as above.\n";
+}
+
+namespace {
+
+void printNumber(const std::string &bytes, bool text)
+{
+    for (size_t i = 0; i < bytes.size(); ++i)
+        std::printf(i ? " %02X" : "%02X", static_cast<unsigned char>(bytes[i]));
+    std::printf("\n");
+    if (text)
+        std::printf("%s\n", bytes.c_str());
+}
+
+} // namespace
+
+int KCCliSerialCommand::runStamp(const std::vector<std::string> &rawArgs)
+{
+    std::vector<std::string> args;
+    for (const std::string &arg : rawArgs)
+        args.push_back(arg == "-o" ? "--output" : arg);
+    const KCCliArgs a(args, {"address", "count", "repr", "from", "to", "output"}, {"little-endian"});
+    if (a.helpRequested()) {
+        std::fputs(usage(), stdout);
+        return CLI_OK;
+    }
+    std::string problem = a.error();
+    const std::vector<std::string> &p = a.positional();
+    uint64_t address = 0, count = Ctrl::MaxElementLength;
+    if (problem.empty() && p.size() != 3)
+        problem = "give an image and a definition file";
+    if (problem.empty() && (!a.has("address") || !KCCliArgs::parseNumber(a.value("address"), address, 0xFFFFFFFF)))
+        problem = "--address takes the buffer address of the number (0x for hexadecimal)";
+    if (problem.empty() && a.has("count")
+        && (!KCCliArgs::parseNumber(a.value("count"), count, Ctrl::MaxElementLength) || count == 0))
+        problem = "--count takes 1.." + std::to_string(Ctrl::MaxElementLength) + ", not " + a.value("count");
+    const auto representation = Representations.find(a.value("repr", DefaultRepresentation));
+    if (problem.empty() && representation == Representations.end())
+        problem = "--repr takes hex-asc, dec-asc, hex-bin or dec-bin, not " + a.value("repr");
+    if (problem.empty() && !a.has("output"))
+        problem = "give the output image with -o OUT";
+    const KCFileFormatInfo *to = nullptr;
+    if (problem.empty()) {
+        const std::string out = a.value("output");
+        const size_t dot = out.rfind('.');
+        to = a.has("to") ? KCFileFormatRegistry::byName(a.value("to"))
+                         : dot == std::string::npos ? nullptr : KCFileFormatRegistry::byExtension(out.substr(dot + 1));
+        if (!to || !to->writable || KCFormatNames::loadSaveType(to->name) == LS_INVALID)
+            problem = "cannot write the output format of '" + out + "': give --to bin, intel, motorola or jedec";
+    }
+    if (!problem.empty()) {
+        std::fprintf(stderr, "krldv serial stamp: %s\n%s", problem.c_str(), usage());
+        return CLI_USAGE_ERROR;
+    }
+
+    KCCliHost host;
+    KCDataDoc doc;
+    const std::string &image = p[1], &defFile = p[2];
+    if (!KCCliImageLoader::load(doc, image, a.value("from")))
+        return CLI_INPUT_ERROR;
+    doc.setSerialDefPath(defFile);
+    doc.setSerialFlags(representation->second
+                       | (a.has("little-endian") ? Ctrl::FlagLittleEndian : Ctrl::FlagBigEndian));
+    doc.setSerialAddress(static_cast<unsigned>(address));
+    doc.setSerialByteCount(0); // first only look at the number
+    host.setVerbose(true);
+    if (!doc.EnableSerialNumberUsability(1) || !doc.GetNextSerialNumberFromFile(0, 1)) {
+        std::fprintf(stderr, "krldv: %s: no serial number to be had (%s)\n", defFile.c_str(),
+                     doc.serialDefCtrl() ? "the first block gives none" : "cannot read the file");
+        return CLI_INPUT_ERROR;
+    }
+    host.setVerbose(false);
+    doc.setSerialByteCount(static_cast<unsigned>(count));
+    // Make room for the number before taking it, so a number is never consumed for nothing.
+    const uint64_t end = address + std::min<uint64_t>(count, doc.serialNumberText().size());
+    if (end > doc.GetBufferSize() && !doc.AlgoParam().buffer(0).resize(end, host.GetFillByte())) {
+        std::fprintf(stderr, "krldv: %s: not enough memory\n", image.c_str());
+        return CLI_INPUT_ERROR;
+    }
+    if (!doc.GetNextSerialNumberFromFile(1, 1)) {
+        std::fprintf(stderr, "krldv: %s: the number could not be taken\n", defFile.c_str());
+        return CLI_INPUT_ERROR;
+    }
+    const std::string number = doc.serialNumberText().substr(0, count);
+    TAG_BUFFER_PARAM *param = doc.mainBufferParam();
+    param->SBSA = param->SBEA = 0xFFFFFFFF;
+    param->fileType = KCFormatNames::loadSaveType(to->name);
+    if (!doc.OnSaveDocument(a.value("output").c_str())) {
+        std::fprintf(stderr, "krldv: %s: not written; the serial number was taken and is lost\n",
+                     a.value("output").c_str());
+        return CLI_INPUT_ERROR;
+    }
+    printNumber(number, doc.serialFlags() & Ctrl::FlagAsc);
+    return CLI_OK;
 }
 
 int KCCliSerialCommand::run(const std::vector<std::string> &args)
 {
+    if (!args.empty() && args[0] == "stamp")
+        return runStamp(args);
     const KCCliArgs a(args, {"block", "repr"}, {"advance", "little-endian"});
     if (a.helpRequested()) {
         std::fputs(usage(), stdout);
@@ -88,11 +194,7 @@ int KCCliSerialCommand::runNext(const std::string &defFile, int block, unsigned 
             std::fprintf(stderr, "krldv: %s: block %d gives no serial number\n", defFile.c_str(), block);
         return CLI_INPUT_ERROR;
     }
-    for (size_t i = 0; i < bytes.size(); ++i)
-        std::printf(i ? " %02X" : "%02X", static_cast<unsigned char>(bytes[i]));
-    std::printf("\n");
     const bool text = (flags & Ctrl::FlagCalc) ? (flags & Ctrl::FlagAsc) != 0 : data[0] == '"';
-    if (text)
-        std::printf("%s\n", bytes.c_str());
+    printNumber(bytes, text);
     return CLI_OK;
 }

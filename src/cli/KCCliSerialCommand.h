@@ -3,7 +3,8 @@
 #include "KCCliCommand.h"
 
 // "krldv serial next DEFFILE ...": the next number of a serial definition file, optionally
-// consumed as a programming station consumes it.
+// consumed as a programming station consumes it; "krldv serial stamp IMAGE DEFFILE ...":
+// consumes the next number into an image, as before programming a device.
 class KCCliSerialCommand : public KCCliCommand
 {
 public:
@@ -14,4 +15,5 @@ public:
 
 private:
     int runNext(const std::string &defFile, int block, unsigned flags, bool advance);
+    int runStamp(const std::vector<std::string> &args);
 };

@@ -32,4 +32,16 @@ case "$msg" in *list.ser*) ;; *) echo "FAIL message does not name the file: $msg
 msg=$("$KRLDV" serial next "$T/other.ser" 2>&1); check "missing file" "$?" 1
 case "$msg" in *other.ser*) ;; *) echo "FAIL message does not name the file: $msg"; fail=1 ;; esac
 "$KRLDV" serial --help | grep -q "usage: krldv serial" || { echo "FAIL --help"; fail=1; }
+
+# Stamping consumes one number into a copy of the image; a number past the image grows it.
+printf ':0400000001020304F2\r\n:00000001FF\r\n' > "$T/img.hex"
+printf 'S\r\n{\r\nTYPE=CALC\r\nLENGTH=2\r\nNEXT=0x1234\r\nSTEP=0x2\r\n}\r\n' > "$T/stamp.ser"
+check "stamp prints the number" "$("$KRLDV" serial stamp "$T/img.hex" "$T/stamp.ser" --address 2 --repr hex-bin -o "$T/s1.bin")" "12 34"
+check "stamped image" "$(od -An -tx1 "$T/s1.bin" | tr -d ' \n')" "01021234"
+check "file advanced" "$("$KRLDV" serial next "$T/stamp.ser" --repr hex-bin)" "12 36"
+"$KRLDV" serial stamp "$T/img.hex" "$T/stamp.ser" --address 6 --count 3 --repr dec-asc -o "$T/s2.hex" >/dev/null
+check "grown image" "$("$KRLDV" convert "$T/s2.hex" "$T/s2.bin" && od -An -c "$T/s2.bin" | tr -d ' \n')" "001002003004377377046"
+"$KRLDV" serial stamp "$T/img.hex" "$T/stamp.ser" -o "$T/s3.bin" >/dev/null 2>&1; check "stamp without address" "$?" 2
+"$KRLDV" serial stamp "$T/img.hex" "$T/none.ser" --address 0 -o "$T/s3.bin" >/dev/null 2>&1; check "stamp with a missing file" "$?" 1
+check "nothing consumed by failures" "$("$KRLDV" serial next "$T/stamp.ser" --repr hex-bin)" "12 38"
 exit $fail
