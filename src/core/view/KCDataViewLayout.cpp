@@ -184,7 +184,8 @@ int KCDataViewLayout::findBlock(LAYOUT_LIST list, int64_t line) const
 }
 
 void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *data, uint64_t size,
-                                 int64_t markLow, int64_t markHigh, TAG_VIEW_ROW &row) const
+                                 int64_t markLow, int64_t markHigh, TAG_VIEW_ROW &row,
+                                 const std::set<int64_t> *modified) const
 {
     row.text.assign(static_cast<size_t>(m_widestRow), ' ');
     row.state.assign(static_cast<size_t>(m_widestRow), VCS_EMPTY);
@@ -197,6 +198,12 @@ void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *
     const int64_t lastShown = std::min<int64_t>(blk.lastAddress, static_cast<int64_t>(size) - 1);
     char *text = &row.text[0];
     uint8_t *state = row.state.data();
+    // One search per row; cells look up their own address only when the row holds a modified byte.
+    if (modified && !blk.isText()) {
+        const auto it = modified->lower_bound(rowAddr);
+        if (it == modified->end() || *it >= rowAddr + blk.bytesPerRow)
+            modified = nullptr;
+    }
 
     for (const TAG_X_LAYOUT &c : blk.cells) {
         if (c.kind == XL_CURSOR_ADJUST || c.x < 0 || c.x >= m_widestRow)
@@ -222,7 +229,10 @@ void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *
             } else {
                 out[0] = static_cast<char>('0' + (v & 1));
             }
-            cellState = addr >= markLow && addr <= markHigh ? VCS_MARKED : VCS_DATA;
+            if (addr >= markLow && addr <= markHigh)
+                cellState = VCS_MARKED;
+            else
+                cellState = modified && modified->count(addr) ? VCS_MODIFIED : VCS_DATA;
             break;
         }
         case XL_ADDRESS_HEX:

@@ -41,16 +41,17 @@ KCDataViewModel::KCDataViewModel(KCDataDoc *doc, KCMainProgDataExChange *host) :
 
 KCDataViewModel::~KCDataViewModel()
 {
-    if (m_doc)
+    if (m_doc && m_attached)
         m_doc->RemoveView(this);
 }
 
-void KCDataViewModel::setDocument(KCDataDoc *doc)
+void KCDataViewModel::setDocument(KCDataDoc *doc, bool attach)
 {
-    if (m_doc)
+    if (m_doc && m_attached)
         m_doc->RemoveView(this);
     m_doc = doc;
-    if (m_doc)
+    m_attached = doc && attach;
+    if (m_attached)
         m_doc->AddView(this);
     OnUpdate(nullptr, DOCHINT_ALL);
 }
@@ -69,7 +70,13 @@ void KCDataViewModel::notify(unsigned changes)
 void KCDataViewModel::OnUpdate(KCDocView *, long hint)
 {
     if (hint == DOCHINT_MODIFIED_FLAG) {
-        notify(KCDataViewListener::ChangedModified);
+        // Saved: the buffer matches its file again.
+        unsigned changes = KCDataViewListener::ChangedModified;
+        if (m_doc && !m_doc->IsModified() && !m_modifiedBytes.empty()) {
+            m_modifiedBytes.clear();
+            changes |= KCDataViewListener::ChangedRows;
+        }
+        notify(changes);
         return;
     }
     if (hint == DOCHINT_DATA) {
@@ -77,6 +84,7 @@ void KCDataViewModel::OnUpdate(KCDocView *, long hint)
         return;
     }
     // Anything else may have replaced the buffer: follow its size.
+    m_modifiedBytes.clear();
     if (m_doc)
         m_layouts.resizeStandardLayouts(m_doc->GetBufferSize());
     layoutsChanged();
@@ -346,7 +354,8 @@ void KCDataViewModel::renderScreenLine(int screenLine, TAG_VIEW_ROW &row) const
     int64_t low = 1, high = 0;
     l->markRange(low, high);
     const cByteBuffer *buf = m_doc ? &m_doc->AlgoParam().buffer(0) : nullptr;
-    l->renderRow(list, line, buf ? buf->data() : nullptr, buf ? buf->size() : 0, low, high, row);
+    l->renderRow(list, line, buf ? buf->data() : nullptr, buf ? buf->size() : 0, low, high, row,
+                 m_modifiedBytes.empty() ? nullptr : &m_modifiedBytes);
 }
 
 bool KCDataViewModel::isCaretShown() const
@@ -565,6 +574,8 @@ bool KCDataViewModel::OnChar(unsigned ch)
     default:
         return false;
     }
+    if (value != old)
+        m_modifiedBytes.insert(c.address);
     m_doc->SetData(value, addr);
     m_doc->UpdateAllViews(this, DOCHINT_DATA);
     notify(KCDataViewListener::ChangedRows);

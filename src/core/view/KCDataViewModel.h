@@ -7,6 +7,7 @@
 #include "TAG_VIEW_ROW.h"
 
 #include <cstdint>
+#include <set>
 #include <string>
 
 class KCDataDoc;
@@ -40,7 +41,9 @@ public:
     KCDataViewModel(const KCDataViewModel &) = delete;
     KCDataViewModel &operator=(const KCDataViewModel &) = delete;
 
-    void setDocument(KCDataDoc *doc);
+    // `attach` registers the model as a view of the document; a widget that registers itself
+    // and forwards the document's updates passes false.
+    void setDocument(KCDataDoc *doc, bool attach = true);
     KCDataDoc *document() const { return m_doc; }
     void setListener(KCDataViewListener *listener) { m_listener = listener; }
 
@@ -133,6 +136,10 @@ public:
     void dropMark();
     uint64_t bufferLimit() const;
 
+    // Bytes typed here since the buffer was loaded, replaced or saved.
+    bool isByteModified(int64_t address) const { return m_modifiedBytes.count(address) != 0; }
+    size_t modifiedByteCount() const { return m_modifiedBytes.size(); }
+
 private:
     void notify(unsigned changes);
     void moveCaret(const TAG_VIEW_POSITION &to);
@@ -146,6 +153,7 @@ private:
     void updateBorder();
 
     KCDataDoc *m_doc = nullptr;
+    bool m_attached = false;
     KCMainProgDataExChange *m_host;
     KCDataViewListener *m_listener = nullptr;
     KCDataViewLayoutSet m_layouts;
@@ -162,4 +170,5 @@ private:
     ScrollSteps m_steps;
     bool m_focus = false;
     bool m_insertMode = false;
+    std::set<int64_t> m_modifiedBytes;
 };

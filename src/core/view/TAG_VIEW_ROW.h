@@ -10,6 +10,7 @@ enum VIEW_CELL_STATE : uint8_t {
     VCS_TEXT = 1,   // address, header or text
     VCS_DATA = 2,   // a buffer byte
     VCS_MARKED = 3, // a buffer byte inside the mark
+    VCS_MODIFIED = 4, // a buffer byte typed since the buffer last matched its file
 };
 
 // One row as the view paints it: a character and a state per layout column. Character cells

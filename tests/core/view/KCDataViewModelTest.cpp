@@ -317,3 +317,31 @@ TEST(DataViewLarge, FourGiBScrollsToTheLastLineAndEditsIt)
     view.OnKeyDown(KCDataViewModel::KeyDown);
     EXPECT_EQ(view.caret().address, 0xFFFFFFFF);
 }
+
+TEST_F(DataView, TypedBytesShowAsModifiedUntilSavedOrReplaced)
+{
+    type("0"); // same value: nothing changes
+    EXPECT_FALSE(view->isByteModified(0));
+    type("A5"); // low nibble of byte 0, then byte 1
+    EXPECT_TRUE(view->isByteModified(0));
+    EXPECT_TRUE(view->isByteModified(1));
+    TAG_VIEW_ROW row;
+    view->renderScreenLine(ByteTopLines, row);
+    EXPECT_EQ(row.state[10], VCS_MODIFIED);
+    EXPECT_EQ(row.state[13], VCS_MODIFIED);
+    EXPECT_EQ(row.state[61], VCS_MODIFIED);
+    EXPECT_EQ(row.state[16], VCS_DATA);
+    EXPECT_EQ(row.state[62], VCS_DATA);
+
+    keys(KCDataViewModel::KeyRight, 1, KCDataViewModel::ShiftModifier);
+    view->renderScreenLine(ByteTopLines, row);
+    EXPECT_EQ(row.state[13], VCS_MARKED); // the mark wins
+    EXPECT_EQ(row.state[10], VCS_MODIFIED);
+
+    doc->SetModifiedFlag(0);
+    EXPECT_EQ(view->modifiedByteCount(), 0u);
+    type("1");
+    EXPECT_EQ(view->modifiedByteCount(), 1u);
+    doc->UpdateAllViews(nullptr, DOCHINT_ALL);
+    EXPECT_EQ(view->modifiedByteCount(), 0u);
+}
