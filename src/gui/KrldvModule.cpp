@@ -2,6 +2,8 @@
 
 #include "KCClassRegistry.h"
 #include "KCDataDoc.h"
+#include "KCFileDialog.h"
+#include "KCLoadSaveCombo.h"
 #include "KCUiAdrDataManager.h"
 
 #include <string>
@@ -25,6 +27,8 @@ std::vector<ClassEntry> exportedClasses()
         {"KCDocBase", "", [] { return static_cast<void *>(new KCDocBase); }},
         {"KCDataDoc", "KCDocBase", [] { return static_cast<void *>(new KCDataDoc); }},
         {"KCUiAdrDataManager", "", [] { return static_cast<void *>(new KCUiAdrDataManager); }},
+        {"KCFileDialog", "", [] { return static_cast<void *>(new KCFileDialog); }},
+        {"KCLoadSaveCombo", "", [] { return static_cast<void *>(new KCLoadSaveCombo); }},
     };
 }
 

@@ -1,0 +1,7 @@
+#include "KCLoadSaveCombo.h"
+
+KCLoadSaveCombo::KCLoadSaveCombo(QWidget *parent) : QComboBox(parent)
+{
+    setEditable(false);
+    setSizeAdjustPolicy(QComboBox::AdjustToContents);
+}
