@@ -1,0 +1,525 @@
+#include "KCMainFrame.h"
+
+#include "KCAppHost.h"
+#include "KCChildFrame.h"
+#include "KCDataDoc.h"
+#include "KCDataView.h"
+#include "KCDocWatcher.h"
+#include "KCLayoutNames.h"
+#include "KCMessageMarks.h"
+#include "KCMessageWindow.h"
+#include "KCSettingsDialog.h"
+#include "KCStatusBar.h"
+#include "KCWorkspaceTree.h"
+
+#include <QAction>
+#include <QActionGroup>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileInfo>
+#include <QMdiArea>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QTimer>
+
+namespace {
+
+const char *const ApplicationTitle = "KOREL5";
+constexpr int DefaultWidth = 1280;
+constexpr int DefaultHeight = 800;
+
+std::string toPath(const QString &path)
+{
+    return QFile::encodeName(path).toStdString();
+}
+
+QString fromPath(const std::string &path)
+{
+    return QFile::decodeName(path.c_str());
+}
+
+// The local files among dropped data.
+QStringList localFiles(const QMimeData *data)
+{
+    QStringList files;
+    if (!data || !data->hasUrls())
+        return files;
+    const QList<QUrl> urls = data->urls();
+    for (const QUrl &url : urls)
+        if (url.isLocalFile())
+            files << url.toLocalFile();
+    return files;
+}
+
+} // namespace
+
+KCMainFrame::KCMainFrame(const QString &settingsFile, QWidget *parent)
+    : QMainWindow(parent), m_settings(settingsFile)
+{
+    setObjectName("mainFrame");
+    resize(DefaultWidth, DefaultHeight);
+    setAcceptDrops(true);
+
+    m_mdi = new QMdiArea(this);
+    m_mdi->setObjectName("mdiArea");
+    m_mdi->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_mdi->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setCentralWidget(m_mdi);
+    connect(m_mdi, &QMdiArea::subWindowActivated, this, [this] { currentWindowChanged(); });
+
+    m_status = new KCStatusBar(this);
+    setStatusBar(m_status);
+    createDocks();
+
+    m_host = std::make_unique<KCAppHost>(this);
+    if (!m_host->stringTableError().empty())
+        m_messages->showMessage(KCMessageMarks::prefix(KCMessageMarks::Warning) + m_host->stringTableError());
+    m_watcher = std::make_unique<KCDocWatcher>();
+    connect(m_watcher.get(), &KCDocWatcher::documentUpdated, this, &KCMainFrame::documentUpdated);
+
+    m_viewFont = m_settings.font();
+    KCDataView::m_pFont = &m_viewFont;
+    KCDocBase::recentFiles().clear();
+    for (const QString &f : m_settings.recentFiles())
+        KCDocBase::recentFiles().push_back(toPath(f));
+
+    createActions();
+    createMenus();
+    if (!m_settings.windowGeometry().isEmpty())
+        restoreGeometry(m_settings.windowGeometry());
+    if (!m_settings.windowState().isEmpty())
+        restoreState(m_settings.windowState());
+    updateTitle();
+    updateActions();
+}
+
+KCMainFrame::~KCMainFrame()
+{
+    closeDocument(false);
+    m_watcher.reset();
+    if (KCDataView::m_pFont == &m_viewFont)
+        KCDataView::m_pFont = nullptr;
+    m_host.reset();
+}
+
+void KCMainFrame::createDocks()
+{
+    m_messages = new KCMessageWindow(this);
+    auto *messageDock = new QDockWidget(tr("Messages"), this);
+    messageDock->setObjectName("messageDock");
+    messageDock->setWidget(m_messages);
+    addDockWidget(Qt::BottomDockWidgetArea, messageDock);
+
+    m_tree = new KCWorkspaceTree(this);
+    auto *treeDock = new QDockWidget(tr("Workspace"), this);
+    treeDock->setObjectName("workspaceDock");
+    treeDock->setWidget(m_tree);
+    addDockWidget(Qt::LeftDockWidgetArea, treeDock);
+    resizeDocks({treeDock}, {220}, Qt::Horizontal);
+    resizeDocks({messageDock}, {150}, Qt::Vertical);
+    connect(m_tree, &KCWorkspaceTree::viewItemActivated, this, [this](KCDocView *view) {
+        const QList<QMdiSubWindow *> windows = m_mdi->subWindowList();
+        for (QMdiSubWindow *w : windows)
+            if (static_cast<KCDocView *>(qobject_cast<KCDataView *>(w->widget())) == view) {
+                m_mdi->setActiveSubWindow(w);
+                w->widget()->setFocus();
+            }
+    });
+}
+
+void KCMainFrame::createActions()
+{
+    m_newAction = new QAction(tr("&New"), this);
+    m_newAction->setShortcut(QKeySequence::New);
+    connect(m_newAction, &QAction::triggered, this, &KCMainFrame::newDocument);
+
+    m_openAction = new QAction(tr("&Open..."), this);
+    m_openAction->setShortcut(QKeySequence::Open);
+    connect(m_openAction, &QAction::triggered, this, [this] { KCDataDoc::OnFileOpen(m_host.get()); });
+
+    m_reloadAction = new QAction(tr("&Reload..."), this);
+    m_reloadAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_R));
+    connect(m_reloadAction, &QAction::triggered, this, &KCMainFrame::reload);
+
+    m_saveAction = new QAction(tr("&Save"), this);
+    m_saveAction->setShortcut(QKeySequence::Save);
+    connect(m_saveAction, &QAction::triggered, this, [this] { save(false); });
+
+    m_saveAsAction = new QAction(tr("Save &As..."), this);
+    m_saveAsAction->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
+    connect(m_saveAsAction, &QAction::triggered, this, [this] { save(true); });
+
+    m_settingsAction = new QAction(tr("Se&ttings..."), this);
+    connect(m_settingsAction, &QAction::triggered, this, &KCMainFrame::editSettings);
+
+    m_exitAction = new QAction(tr("E&xit"), this);
+    m_exitAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    connect(m_exitAction, &QAction::triggered, this, &QWidget::close);
+
+    m_layoutGroup = new QActionGroup(this);
+    auto layoutAction = [this](const QString &text, const char *layout, Qt::Key key) {
+        auto *a = new QAction(text, m_layoutGroup);
+        a->setCheckable(true);
+        a->setShortcut(QKeySequence(Qt::CTRL | key));
+        a->setData(QString(layout));
+        connect(a, &QAction::triggered, this, [this, layout] { showLayout(layout); });
+        return a;
+    };
+    m_byteAction = layoutAction(tr("&Bytes"), LAYOUT_BYTEVIEW, Qt::Key_1);
+    m_wordAction = layoutAction(tr("&Words"), LAYOUT_WORDVIEW, Qt::Key_2);
+    m_fuseAction = layoutAction(tr("&Fuse Map"), LAYOUT_JEDVIEW, Qt::Key_3);
+
+    m_newWindowAction = new QAction(tr("New &Window"), this);
+    connect(m_newWindowAction, &QAction::triggered, this, &KCMainFrame::newWindow);
+
+    m_swapAction = new QAction(tr("&Swap Bytes..."), this);
+    m_swapAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_B));
+    connect(m_swapAction, &QAction::triggered, this, [this] {
+        if (m_doc)
+            m_doc->OnSwapbytes();
+    });
+}
+
+void KCMainFrame::createMenus()
+{
+    QMenu *file = menuBar()->addMenu(tr("&File"));
+    file->addAction(m_newAction);
+    file->addAction(m_openAction);
+    file->addAction(m_reloadAction);
+    file->addAction(m_saveAction);
+    file->addAction(m_saveAsAction);
+    file->addSeparator();
+    m_recentMenu = file->addMenu(tr("Recent &Files"));
+    connect(m_recentMenu, &QMenu::aboutToShow, this, &KCMainFrame::updateRecentMenu);
+    file->addSeparator();
+    file->addAction(m_settingsAction);
+    file->addSeparator();
+    file->addAction(m_exitAction);
+
+    QMenu *view = menuBar()->addMenu(tr("&View"));
+    view->addActions(m_layoutGroup->actions());
+    view->addSeparator();
+    view->addAction(m_newWindowAction);
+
+    QMenu *buffer = menuBar()->addMenu(tr("&Buffer"));
+    buffer->addAction(m_swapAction);
+    updateRecentMenu();
+}
+
+int KCMainFrame::documentCount() const
+{
+    return (m_doc ? 1 : 0) + m_pendingDocuments;
+}
+
+KCDataView *KCMainFrame::currentView() const
+{
+    QMdiSubWindow *w = m_mdi->currentSubWindow();
+    if (!w && !m_mdi->subWindowList().isEmpty())
+        w = m_mdi->subWindowList().constFirst();
+    return w ? qobject_cast<KCDataView *>(w->widget()) : nullptr;
+}
+
+bool KCMainFrame::newDocument()
+{
+    ++m_pendingDocuments;
+    auto doc = std::make_unique<KCDataDoc>();
+    // The document itself refuses a second buffer document.
+    const bool ok = doc->OnNewDocument();
+    --m_pendingDocuments;
+    if (!ok)
+        return false;
+    install(std::move(doc));
+    m_doc->ComputeCheckSum(-1);
+    return true;
+}
+
+bool KCMainFrame::openFile(const QString &path)
+{
+    return KCDataDoc::OnOpenDocumentFile(toPath(QFileInfo(path).absoluteFilePath()).c_str()) != nullptr;
+}
+
+KCDocBase *KCMainFrame::openDocumentFile(const std::string &path)
+{
+    if (m_doc && !m_doc->SaveModified())
+        return nullptr;
+    m_status->showMessage(tr("Loading %1 ...").arg(fromPath(path)));
+    m_host->BeginWaitCursor();
+    ++m_pendingDocuments;
+    auto doc = std::make_unique<KCDataDoc>();
+    const bool ok = doc->OnOpenDocument(path.c_str());
+    --m_pendingDocuments;
+    m_host->EndWaitCursor();
+    m_status->clearMessage();
+    if (!ok) {
+        // The open document stays as it was; the message window says what went wrong.
+        if (m_doc)
+            m_doc->PrintCheckSum(-1);
+        else
+            m_status->clearDocumentPanes();
+        return nullptr;
+    }
+    closeDocument(false);
+    install(std::move(doc));
+    saveRecentFiles();
+    return m_doc.get();
+}
+
+void KCMainFrame::install(std::unique_ptr<KCDataDoc> doc)
+{
+    m_doc = std::move(doc);
+    m_watcher->watch(m_doc.get());
+    KCDataView *view = newWindow();
+    if (view) {
+        view->parentWidget()->showMaximized();
+        applyFileTypeLayout(view);
+    }
+    m_doc->PrintCheckSum(-1);
+    m_status->setModified(m_doc->IsModified());
+    m_tree->rebuild(m_doc.get());
+    updateTitle();
+    updateActions();
+}
+
+void KCMainFrame::applyFileTypeLayout(KCDataView *view)
+{
+    const TAG_BUFFER_PARAM *param = m_doc ? m_doc->mainBufferParam() : nullptr;
+    if (param && param->fileType == LS_JEDEC && m_doc->HavePathName())
+        view->SetBufferLayoutView(LAYOUT_JEDVIEW);
+}
+
+KCDataView *KCMainFrame::newWindow()
+{
+    if (!m_doc)
+        return nullptr;
+    auto *view = new KCDataView(m_doc.get());
+    auto *child = new KCChildFrame(this, view);
+    m_mdi->addSubWindow(child);
+    const int windows = int(m_mdi->subWindowList().size());
+    const QString title = QString::fromStdString(m_doc->GetTitle());
+    child->setWindowTitle(windows > 1 ? QString("%1:%2").arg(title).arg(windows) : title);
+    connect(view, &KCDataView::caretMoved, this, [this, view](quint64, const QString &text) {
+        if (currentView() == view)
+            m_status->setCaretAddress(text);
+    });
+    connect(view, &KCDataView::insertModeChanged, this, [this, view](bool insert) {
+        if (currentView() == view)
+            m_status->setInsertMode(insert);
+    });
+    connect(view, &QObject::destroyed, this, &KCMainFrame::viewDestroyed);
+    view->OnInitialUpdate();
+    child->show();
+    view->setFocus();
+    m_tree->rebuild(m_doc.get());
+    currentWindowChanged();
+    return view;
+}
+
+bool KCMainFrame::showLayout(const char *layoutName)
+{
+    KCDataView *view = currentView();
+    if (!view || !view->SetBufferLayoutView(layoutName))
+        return false;
+    m_tree->rebuild(m_doc.get());
+    currentWindowChanged();
+    return true;
+}
+
+bool KCMainFrame::canCloseWindow(KCChildFrame *child)
+{
+    if (m_closingDocument || !m_doc)
+        return true;
+    int dataViews = 0;
+    for (KCDocView *v : m_doc->views())
+        dataViews += v->isDataView() ? 1 : 0;
+    // The last window takes the document with it (see viewDestroyed).
+    if (dataViews <= 1 && child->view())
+        return m_doc->SaveModified();
+    return true;
+}
+
+void KCMainFrame::viewDestroyed()
+{
+    if (m_closingDocument || !m_doc)
+        return;
+    for (KCDocView *v : m_doc->views())
+        if (v->isDataView()) {
+            m_tree->rebuild(m_doc.get());
+            return;
+        }
+    // The window is still being torn down: close the document once that is over.
+    QTimer::singleShot(0, this, [this] {
+        if (m_doc && !m_closingDocument)
+            closeDocument(false);
+    });
+}
+
+bool KCMainFrame::closeDocument(bool ask)
+{
+    if (!m_doc)
+        return true;
+    if (ask && !m_doc->SaveModified())
+        return false;
+    m_closingDocument = true;
+    const QList<QMdiSubWindow *> windows = m_mdi->subWindowList();
+    for (QMdiSubWindow *w : windows)
+        delete w;
+    m_watcher->watch(nullptr);
+    m_doc->OnCloseDocument();
+    m_doc.reset();
+    m_closingDocument = false;
+    m_tree->rebuild(nullptr);
+    m_status->clearDocumentPanes();
+    updateTitle();
+    updateActions();
+    return true;
+}
+
+void KCMainFrame::documentUpdated(long hint)
+{
+    if (!m_doc)
+        return;
+    m_status->setModified(m_doc->IsModified());
+    if (hint == DOCHINT_MODIFIED_FLAG || hint == DOCHINT_ALL) {
+        m_tree->rebuild(m_doc.get());
+        updateTitle();
+        updateActions();
+    }
+}
+
+void KCMainFrame::currentWindowChanged()
+{
+    KCDataView *view = currentView();
+    if (!view) {
+        m_status->setCaretAddress(QString());
+        for (QAction *a : m_layoutGroup->actions())
+            a->setChecked(false);
+        return;
+    }
+    m_status->setCaretAddress(view->caretAddressText());
+    m_status->setInsertMode(view->isInsertMode());
+    const QString layout = QString::fromStdString(view->GetBufferLayoutName());
+    for (QAction *a : m_layoutGroup->actions())
+        a->setChecked(a->data().toString() == layout);
+}
+
+void KCMainFrame::updateTitle()
+{
+    if (!m_doc) {
+        setWindowTitle(ApplicationTitle);
+        setWindowModified(false);
+        return;
+    }
+    setWindowTitle(QString("%1 - %2[*]").arg(ApplicationTitle, QString::fromStdString(m_doc->GetTitle())));
+    setWindowModified(m_doc->IsModified() != 0);
+    const QString title = QString::fromStdString(m_doc->GetTitle());
+    const QList<QMdiSubWindow *> windows = m_mdi->subWindowList();
+    for (int i = 0; i < windows.size(); ++i)
+        windows[i]->setWindowTitle(windows.size() > 1 ? QString("%1:%2").arg(title).arg(i + 1) : title);
+}
+
+void KCMainFrame::updateActions()
+{
+    const bool hasDoc = m_doc != nullptr;
+    m_reloadAction->setEnabled(hasDoc && m_doc->CanReloadDoc());
+    m_saveAction->setEnabled(hasDoc);
+    m_saveAsAction->setEnabled(hasDoc);
+    m_swapAction->setEnabled(hasDoc);
+    m_newWindowAction->setEnabled(hasDoc);
+    m_layoutGroup->setEnabled(hasDoc);
+}
+
+void KCMainFrame::updateRecentMenu()
+{
+    m_recentMenu->clear();
+    const std::vector<std::string> &files = KCDocBase::recentFiles();
+    for (size_t i = 0; i < files.size(); ++i) {
+        const QString path = fromPath(files[i]);
+        QAction *a = m_recentMenu->addAction(QString("&%1 %2").arg(i + 1).arg(path));
+        connect(a, &QAction::triggered, this, [this, path] { openFile(path); });
+    }
+    m_recentMenu->setEnabled(!files.empty());
+}
+
+void KCMainFrame::saveRecentFiles()
+{
+    QStringList files;
+    for (const std::string &f : KCDocBase::recentFiles())
+        files << fromPath(f);
+    m_settings.setRecentFiles(files);
+}
+
+void KCMainFrame::save(bool askForName)
+{
+    if (!m_doc)
+        return;
+    const TAG_BUFFER_PARAM *param = m_doc->mainBufferParam();
+    const bool ask = askForName || (param && (param->saveFlags & BUFFER_SAVE_ASK_NAME));
+    m_doc->SaveDoc(ask ? 1 : 0);
+    saveRecentFiles();
+    updateTitle();
+    updateActions();
+}
+
+void KCMainFrame::reload()
+{
+    if (!m_doc)
+        return;
+    m_doc->OnFileReLoad();
+    if (KCDataView *view = currentView())
+        applyFileTypeLayout(view);
+    m_tree->rebuild(m_doc.get());
+    updateTitle();
+    updateActions();
+}
+
+void KCMainFrame::editSettings()
+{
+    KCSettingsDialog dialog(m_settings, this);
+    if (dialog.exec() != QDialog::Accepted || !dialog.applyTo(m_settings))
+        return;
+    if (dialog.fontChanged())
+        applyFont();
+    m_settings.save();
+}
+
+void KCMainFrame::applyFont()
+{
+    m_viewFont = m_settings.font();
+    const QList<QMdiSubWindow *> windows = m_mdi->subWindowList();
+    for (QMdiSubWindow *w : windows)
+        if (auto *view = qobject_cast<KCDataView *>(w->widget()))
+            view->InitTextMetrics();
+}
+
+void KCMainFrame::closeEvent(QCloseEvent *event)
+{
+    if (!closeDocument(true)) {
+        event->ignore();
+        return;
+    }
+    saveRecentFiles();
+    m_settings.setWindow(saveGeometry(), saveState());
+    m_settings.save();
+    event->accept();
+}
+
+void KCMainFrame::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!localFiles(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void KCMainFrame::dropEvent(QDropEvent *event)
+{
+    const QStringList files = localFiles(event->mimeData());
+    if (files.isEmpty())
+        return;
+    event->acceptProposedAction();
+    // One buffer document: the first file is the one opened.
+    const QString path = files.constFirst();
+    QTimer::singleShot(0, this, [this, path] { openFile(path); });
+}

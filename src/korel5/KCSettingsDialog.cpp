@@ -1,0 +1,97 @@
+#include "KCSettingsDialog.h"
+
+#include "KCAppSettings.h"
+
+#include <QDialogButtonBox>
+#include <QFontDialog>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRegularExpressionValidator>
+#include <QSpinBox>
+
+namespace {
+
+constexpr int HexBase = 16;
+
+bool parseSize(const QString &text, uint64_t &size)
+{
+    QString t = text.trimmed();
+    if (t.startsWith("0x", Qt::CaseInsensitive))
+        t = t.mid(2);
+    bool ok = false;
+    size = t.toULongLong(&ok, HexBase);
+    return ok && size > 0 && size <= KCAppSettings::MaxBufferSize;
+}
+
+} // namespace
+
+KCSettingsDialog::KCSettingsDialog(const KCAppSettings &settings, QWidget *parent)
+    : QDialog(parent), m_font(settings.font())
+{
+    setWindowTitle(tr("Settings"));
+    m_size = new QLineEdit(QString::number(settings.defaultBufferSize(), HexBase).toUpper(), this);
+    m_size->setObjectName("bufferSizeEdit");
+    m_size->setValidator(new QRegularExpressionValidator(QRegularExpression("(0[xX])?[0-9A-Fa-f]{1,9}"), m_size));
+    m_fill = new QSpinBox(this);
+    m_fill->setObjectName("fillByteSpin");
+    m_fill->setDisplayIntegerBase(HexBase);
+    m_fill->setRange(0, 0xFF);
+    m_fill->setPrefix("0x");
+    m_fill->setValue(settings.fillByte());
+    m_fontLabel = new QLabel(this);
+    auto *fontButton = new QPushButton(tr("Choose..."), this);
+    connect(fontButton, &QPushButton::clicked, this, &KCSettingsDialog::chooseFont);
+    showFont();
+
+    auto *fontRow = new QHBoxLayout;
+    fontRow->addWidget(m_fontLabel, 1);
+    fontRow->addWidget(fontButton);
+    auto *form = new QFormLayout;
+    form->addRow(tr("New buffer size (hex bytes):"), m_size);
+    form->addRow(tr("Fill byte:"), m_fill);
+    form->addRow(tr("Data view font:"), fontRow);
+    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    connect(buttons, &QDialogButtonBox::accepted, this, [this] {
+        uint64_t size = 0;
+        if (parseSize(m_size->text(), size))
+            accept();
+        else
+            m_size->setFocus();
+    });
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(form);
+    layout->addWidget(buttons);
+}
+
+void KCSettingsDialog::chooseFont()
+{
+    bool ok = false;
+    const QFont font = QFontDialog::getFont(&ok, m_font, this, tr("Data view font"),
+                                            QFontDialog::MonospacedFonts | QFontDialog::DontUseNativeDialog);
+    if (!ok)
+        return;
+    m_font = font;
+    m_fontChanged = true;
+    showFont();
+}
+
+void KCSettingsDialog::showFont()
+{
+    m_fontLabel->setText(QString("%1, %2 pt").arg(m_font.family()).arg(m_font.pointSize()));
+}
+
+bool KCSettingsDialog::applyTo(KCAppSettings &settings) const
+{
+    uint64_t size = 0;
+    if (!parseSize(m_size->text(), size))
+        return false;
+    settings.setDefaultBufferSize(size);
+    settings.setFillByte(static_cast<uint8_t>(m_fill->value()));
+    if (m_fontChanged)
+        settings.setFont(m_font);
+    return true;
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QStatusBar>
+
+class QLabel;
+
+// The status bar: a message area and the panes of the checksum, the caret address in the
+// current layout's units, the insert/overwrite mode and the modified state.
+class KCStatusBar : public QStatusBar
+{
+    Q_OBJECT
+public:
+    explicit KCStatusBar(QWidget *parent = nullptr);
+
+    // A pane by the host's pane id; other ids go to the message area.
+    void setPaneText(unsigned paneId, const QString &text);
+    void setCaretAddress(const QString &text);
+    void setInsertMode(bool insert);
+    void setModified(bool modified);
+    // Empties the document's panes (no document open).
+    void clearDocumentPanes();
+
+    QString checksumText() const;
+    QString caretText() const;
+    QString modeText() const;
+    QString modifiedText() const;
+
+private:
+    QLabel *addPane(const char *name, const QString &widest);
+
+    QLabel *m_checksum;
+    QLabel *m_caret;
+    QLabel *m_mode;
+    QLabel *m_modified;
+};

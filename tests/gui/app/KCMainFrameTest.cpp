@@ -1,0 +1,180 @@
+#include "KCAppHost.h"
+#include "KCDataDoc.h"
+#include "KCDataView.h"
+#include "KCLayoutNames.h"
+#include "KCMainFrame.h"
+#include "KCMessageMarks.h"
+#include "KCMessageWindow.h"
+#include "KCStatusBar.h"
+#include "KCWorkspaceTree.h"
+
+#include <QApplication>
+#include <QMimeData>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+const QString DemoFile = KRLDV_SOURCE_DATA_DIR "/demo/demo.bin";
+const QString JedecFile = KRLDV_TEST_DATA_DIR "/jedec/tiny-lf.jed";
+
+struct MainFrame : testing::Test
+{
+    MainFrame()
+    {
+        frame = std::make_unique<KCMainFrame>(dir.filePath("korel5.ini"));
+        // Prompts get the answer that changes nothing: Cancel for a save question.
+        frame->host().setInteractive(false);
+        frame->show();
+    }
+    QString settingsFile() const { return dir.filePath("korel5.ini"); }
+    QString childText(int i) const
+    {
+        const QTreeWidgetItem *root = frame->workspaceTree()->topLevelItem(0);
+        return root && root->child(i) ? root->child(i)->text(0) : QString();
+    }
+    QListWidgetItem *lastMessage() const
+    {
+        KCMessageWindow *w = frame->messageWindow();
+        return w->count() ? w->item(w->count() - 1) : nullptr;
+    }
+
+    QTemporaryDir dir;
+    std::unique_ptr<KCMainFrame> frame;
+};
+
+} // namespace
+
+TEST_F(MainFrame, OpenTypeAndCloseADocument)
+{
+    ASSERT_TRUE(frame->openFile(DemoFile));
+    KCDataDoc *doc = frame->document();
+    ASSERT_NE(doc, nullptr);
+    KCDataView *view = frame->currentView();
+    ASSERT_NE(view, nullptr);
+    EXPECT_EQ(frame->workspaceTree()->topLevelItem(0)->text(0), "demo.bin");
+    EXPECT_TRUE(childText(0).endsWith("[BYTEVIEW]")) << childText(0).toStdString();
+    const QString sum = QString("%1").arg(doc->mainBufferParam()->checksum, 8, 16, QChar('0')).toUpper();
+    EXPECT_TRUE(frame->statusPanes()->checksumText().endsWith(sum)) << frame->statusPanes()->checksumText().toStdString();
+    EXPECT_EQ(frame->statusPanes()->modifiedText(), "");
+    for (int i = 0; i < frame->messageWindow()->count(); ++i)
+        EXPECT_FALSE(frame->messageWindow()->item(i)->text().startsWith(QChar(0xA7)));
+
+    view->setFocus();
+    QTest::keyClicks(view, "a5");
+    EXPECT_EQ(doc->GetData(0), 0xA5);
+    EXPECT_EQ(frame->statusPanes()->modifiedText(), "Modified");
+    EXPECT_TRUE(frame->isWindowModified());
+    EXPECT_FALSE(frame->statusPanes()->checksumText().endsWith(sum));
+
+    EXPECT_FALSE(frame->closeDocument(true)); // the save question was cancelled
+    EXPECT_EQ(frame->document(), doc);
+    EXPECT_TRUE(frame->closeDocument(false));
+    EXPECT_EQ(frame->document(), nullptr);
+    EXPECT_EQ(frame->statusPanes()->checksumText(), "");
+    EXPECT_EQ(frame->workspaceTree()->topLevelItemCount(), 0);
+}
+
+TEST_F(MainFrame, JedecFileOpensInTheFuseMapLayout)
+{
+    ASSERT_TRUE(frame->openFile(JedecFile));
+    EXPECT_EQ(frame->currentView()->GetBufferLayoutName(), LAYOUT_JEDVIEW);
+    EXPECT_TRUE(frame->statusPanes()->checksumText().startsWith("Fuse checksum"));
+    EXPECT_TRUE(childText(0).endsWith("[JEDVIEW]"));
+
+    ASSERT_TRUE(frame->showLayout(LAYOUT_WORDVIEW));
+    EXPECT_TRUE(frame->statusPanes()->checksumText().startsWith("Checksum"));
+    EXPECT_TRUE(childText(0).endsWith("[WORDVIEW]"));
+    EXPECT_FALSE(frame->showLayout("NOVIEW"));
+
+    // A second window on the same document; closing it leaves the document open.
+    KCDataView *second = frame->newWindow();
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(frame->document()->views().size(), 3u); // two windows and the frame's watcher
+    second->parentWidget()->close();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QApplication::processEvents();
+    ASSERT_NE(frame->document(), nullptr);
+    EXPECT_EQ(frame->document()->views().size(), 2u);
+
+    // Closing the last window closes the document.
+    frame->currentView()->parentWidget()->close();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QApplication::processEvents();
+    EXPECT_EQ(frame->document(), nullptr);
+}
+
+TEST_F(MainFrame, FailedOpenKeepsTheDocumentAndMarksShowAsColours)
+{
+    ASSERT_TRUE(frame->openFile(DemoFile));
+    KCDataDoc *doc = frame->document();
+    EXPECT_FALSE(frame->openFile(dir.filePath("missing.hex")));
+    EXPECT_EQ(frame->document(), doc);
+    QListWidgetItem *error = lastMessage();
+    ASSERT_NE(error, nullptr);
+    EXPECT_TRUE(error->text().contains("missing.hex"));
+    EXPECT_EQ(error->data(Qt::UserRole).toInt(), KCMessageMarks::Error);
+    EXPECT_FALSE(error->icon().isNull());
+
+    frame->host().ShowMessage("\xA7" "WWNo Device Selected.", 0xFF000000, 0xFFFFFFFF, 0);
+    QListWidgetItem *warning = lastMessage();
+    EXPECT_EQ(warning->text(), "No Device Selected.");
+    EXPECT_EQ(warning->data(Qt::UserRole).toInt(), KCMessageMarks::Warning);
+    EXPECT_NE(warning->foreground().color(), error->foreground().color());
+    frame->host().ShowMessage("plain", 0xFF000000, 0xFFFFFFFF, 0);
+    EXPECT_TRUE(lastMessage()->icon().isNull());
+
+    // One buffer document at a time: New is refused while this one is open.
+    EXPECT_FALSE(frame->newDocument());
+    EXPECT_EQ(frame->document(), doc);
+}
+
+TEST_F(MainFrame, DroppedFilesOpenTheFirst)
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(JedecFile), QUrl::fromLocalFile(DemoFile)});
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(frame.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(frame.get(), &drop);
+    QApplication::processEvents();
+    ASSERT_NE(frame->document(), nullptr);
+    EXPECT_TRUE(QString::fromStdString(frame->document()->getPathName()).endsWith("tiny-lf.jed"));
+
+    QMimeData text;
+    text.setText("not a file");
+    QDragEnterEvent refused(QPoint(10, 10), Qt::CopyAction, &text, Qt::LeftButton, Qt::NoModifier);
+    refused.setAccepted(false);
+    QApplication::sendEvent(frame.get(), &refused);
+    EXPECT_FALSE(refused.isAccepted());
+}
+
+TEST_F(MainFrame, SettingsShapeNewBuffersAndPersist)
+{
+    frame->settings().setDefaultBufferSize(0x100);
+    frame->settings().setFillByte(0x5A);
+    ASSERT_TRUE(frame->newDocument());
+    EXPECT_EQ(frame->document()->GetBufferSize(), 0x100u);
+    EXPECT_EQ(frame->document()->GetData(0xFF), 0x5A);
+    QFont font("DejaVu Sans Mono", 13);
+    frame->settings().setFont(font);
+    frame->settings().save();
+
+    KCAppSettings reread(settingsFile());
+    EXPECT_EQ(reread.defaultBufferSize(), 0x100u);
+    EXPECT_EQ(reread.fillByte(), 0x5A);
+    EXPECT_EQ(reread.font().pointSize(), 13);
+
+    reread.setDefaultBufferSize(0); // a nonsense size falls back to the default
+    EXPECT_EQ(reread.defaultBufferSize(), KCAppSettings::DefaultBufferSize);
+    reread.setReadOnly(true);
+    reread.setFillByte(0x11);
+    reread.save();
+    EXPECT_EQ(KCAppSettings(settingsFile()).fillByte(), 0x5A);
+}
