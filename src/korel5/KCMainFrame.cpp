@@ -247,6 +247,8 @@ KCDocBase *KCMainFrame::openDocumentFile(const std::string &path)
     if (m_doc && !m_doc->SaveModified())
         return nullptr;
     m_status->showMessage(tr("Loading %1 ...").arg(fromPath(path)));
+    // The load runs without returning to the event loop: show the note now.
+    m_status->repaint();
     m_host->BeginWaitCursor();
     ++m_pendingDocuments;
     auto doc = std::make_unique<KCDataDoc>();
