@@ -134,19 +134,21 @@ bool KCFileDialog::OnInitDialog()
     m_label->setBuddy(m_combo);
 
     // One row below the file-type row, in the columns of its label and combo.
-    int labelColumn = 0, comboColumn = 1;
+    int labelColumn = 0, comboColumn = 1, comboColumns = 1;
     auto *grid = qobject_cast<QGridLayout *>(layout());
     if (grid) {
         int row, span, columnSpan;
         if (QWidget *typeLabel = findChild<QWidget *>(FileTypeLabelName))
             if (const int i = grid->indexOf(typeLabel); i >= 0)
                 grid->getItemPosition(i, &row, &labelColumn, &span, &columnSpan);
-        if (QWidget *typeCombo = findChild<QWidget *>(FileTypeComboName))
+        if (QWidget *typeCombo = findChild<QWidget *>(FileTypeComboName)) {
             if (const int i = grid->indexOf(typeCombo); i >= 0)
-                grid->getItemPosition(i, &row, &comboColumn, &span, &columnSpan);
+                grid->getItemPosition(i, &row, &comboColumn, &span, &comboColumns);
+            m_combo->setSizePolicy(typeCombo->sizePolicy());
+        }
         const int newRow = grid->rowCount();
         grid->addWidget(m_label, newRow, labelColumn);
-        grid->addWidget(m_combo, newRow, comboColumn);
+        grid->addWidget(m_combo, newRow, comboColumn, 1, comboColumns);
     } else if (layout()) {
         layout()->addWidget(m_label);
         layout()->addWidget(m_combo);
