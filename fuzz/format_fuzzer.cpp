@@ -40,7 +40,7 @@ public:
 
 bool roundTrips(const char *name)
 {
-    for (const char *n : {"bin", "intel", "motorola"})
+    for (const char *n : {"bin", "intel", "motorola", "jedec"})
         if (std::strcmp(n, name) == 0)
             return true;
     return false;
