@@ -267,3 +267,17 @@ TEST_F(DataViewWidget, FourGiBScrollsExactlyToItsLastByte)
     model().renderScreenLine(model().topLineCount() + static_cast<int>(last - model().firstVisibleLine()), row);
     EXPECT_EQ(row.text.substr(0, 8), "FFFFFFF0");
 }
+
+TEST_F(DataViewWidget, WithoutADocumentInputAndPaintingDoNothing)
+{
+    KCDataView empty(nullptr);
+    empty.resize(ViewWidth, ViewHeight);
+    empty.OnInitialUpdate();
+    QTest::keyClicks(&empty, "A5");
+    QTest::keyClick(&empty, Qt::Key_Down);
+    QTest::mouseClick(empty.viewport(), Qt::LeftButton, {}, QPoint(100, 100));
+    QImage image(ViewWidth, ViewHeight, QImage::Format_RGB32);
+    QPainter p(&image);
+    empty.paintRows(p, image.rect());
+    EXPECT_FALSE(empty.model().caret().isValid());
+}
