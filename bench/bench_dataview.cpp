@@ -28,6 +28,7 @@ constexpr double FrameBudgetMs = 10.0;
 constexpr double SizeRatioGoal = 1.2;
 constexpr int MarkedBytes = 40;
 constexpr int Repetitions = 5;
+constexpr double MsPerSecond = 1e3;
 
 // A silent host whose default buffer size each benchmark sets.
 class BenchHost : public KCMainProgDataExChange
@@ -100,8 +101,8 @@ public:
         for (const Run &r : runs) {
             if (r.run_type != Run::RT_Iteration || r.error_occurred || r.iterations <= 0)
                 continue;
-            keepBest(m_cpuMs, r.per_family_instance_index, r.cpu_accumulated_time * 1e3 / double(r.iterations));
-            keepBest(m_realMs, r.per_family_instance_index, r.real_accumulated_time * 1e3 / double(r.iterations));
+            keepBest(m_cpuMs, r.per_family_instance_index, r.cpu_accumulated_time * MsPerSecond / double(r.iterations));
+            keepBest(m_realMs, r.per_family_instance_index, r.real_accumulated_time * MsPerSecond / double(r.iterations));
         }
     }
     void Finalize() override

@@ -54,18 +54,18 @@ void KCDataViewRenderer::setFont(const QFont &font)
     m_linePitch = std::max(fm.lineSpacing(), 1);
     m_ascent = fm.ascent();
 
-    QString all(256, QChar());
-    for (unsigned b = 0; b < 256; ++b) {
-        m_charOf[b] = displayChar(b);
+    QString all(ByteValues, QChar());
+    for (int b = 0; b < ByteValues; ++b) {
+        m_charOf[b] = displayChar(static_cast<unsigned>(b));
         all[b] = m_charOf[b];
     }
     m_rawFont = QRawFont::fromFont(font);
     m_useGlyphRuns = false;
     if (m_rawFont.isValid()) {
         const QList<quint32> indexes = m_rawFont.glyphIndexesForString(all);
-        if (indexes.size() == 256) {
+        if (indexes.size() == ByteValues) {
             const quint32 fallback = indexes[Placeholder];
-            for (unsigned b = 0; b < 256; ++b)
+            for (int b = 0; b < ByteValues; ++b)
                 m_glyphOf[b] = indexes[b] ? indexes[b] : fallback;
             m_useGlyphRuns = true;
         }

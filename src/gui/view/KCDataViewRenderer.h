@@ -72,8 +72,9 @@ private:
     int m_charWidth = 1;
     int m_linePitch = 1;
     int m_ascent = 0;
-    quint32 m_glyphOf[256] = {};
-    QChar m_charOf[256];
+    static constexpr int ByteValues = 256;
+    quint32 m_glyphOf[ByteValues] = {};
+    QChar m_charOf[ByteValues];
     QColor m_text[RoleCount];
     QColor m_background[RoleCount];
     GlyphBatch m_batches[RoleCount];
