@@ -84,5 +84,6 @@ row "Intel HEX/16 -> bin" intel bin img16.hex bin -intel -binary ihex binary ""
 row "Intel HEX/32 -> bin" intel bin img32.hex bin -intel -binary ihex binary ""
 row "S-record S3 -> bin" motorola bin img.s37 bin -motorola -binary srec binary ""
 row "TI-TXT -> bin" ti bin img.ti.txt bin -ti-txt -binary - - ""
-row "bin -> Intel HEX" bin intel img.bin hex -binary -intel binary ihex ""
-row "bin -> S-record" bin motorola img.bin srec -binary -motorola binary srec ""
+# srec_cat writes 32 data bytes per record unless told; give it krldv's 16.
+row "bin -> Intel HEX" bin intel img.bin hex -binary "-intel -Output_Block_Size 16" binary ihex ""
+row "bin -> S-record" bin motorola img.bin srec -binary "-motorola -Output_Block_Size 16" binary srec ""

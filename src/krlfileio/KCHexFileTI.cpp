@@ -45,13 +45,21 @@ class Run
 public:
     Run(KCTextScanner &s, KCLoadTarget &t) : m_s(s), m_t(t) {}
 
-    uint64_t address() const { return m_start + m_n; }
     void moveTo(uint64_t address) { m_start = address; }
     bool add(uint8_t b)
     {
         m_buf[m_n++] = b;
         return m_n < kChunk || flush();
     }
+    // Room for at least one byte to decode into directly; commit() takes what was written.
+    uint8_t *space(size_t &room)
+    {
+        if (m_n == kChunk && !flush())
+            return nullptr;
+        room = kChunk - m_n;
+        return m_buf + m_n;
+    }
+    void commit(size_t n) { m_n += n; }
     bool flush()
     {
         if (!m_n)
@@ -169,12 +177,21 @@ bool KCHexFileTI::parseText(KCTextScanner &s, KCLoadTarget &target, KCLoadResult
             for (;;) {
                 const uint8_t *token = p;
                 unsigned v = 0;
+                size_t room = 0;
+                uint8_t *out = run.space(room);
+                if (!out)
+                    return false;
                 // The usual layout first: two digits and one blank per byte.
-                while (end - p >= 3 && p[2] == ' ' && (v = KCTextScanner::pairValue(p)) <= 0xFF) {
-                    if (!run.add(uint8_t(v)))
-                        return false;
+                size_t n = 0;
+                while (n < room && end - p >= 3 && p[2] == ' ' && (v = KCTextScanner::pairValue(p)) <= 0xFF) {
+                    out[n++] = uint8_t(v);
                     p += 3;
+                }
+                run.commit(n);
+                if (n) {
                     token = p;
+                    if (n == room)
+                        continue;
                 }
                 while (end - p >= 2 && (v = KCTextScanner::pairValue(p)) <= 0xFF) {
                     if (!run.add(uint8_t(v)))
