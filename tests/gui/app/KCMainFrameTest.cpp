@@ -1,4 +1,5 @@
 #include "KCAppHost.h"
+#include "KCFileDialog.h"
 #include "KCDataDoc.h"
 #include "KCDataView.h"
 #include "KCLayoutNames.h"
@@ -9,7 +10,11 @@
 #include "KCWorkspaceTree.h"
 
 #include <QApplication>
+#include <QFileInfo>
+#include <QLineEdit>
 #include <QMimeData>
+#include <QPushButton>
+#include <QTimer>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
@@ -47,6 +52,27 @@ struct MainFrame : testing::Test
     QTemporaryDir dir;
     std::unique_ptr<KCMainFrame> frame;
 };
+
+// Answers the next file dialog as a user would: types the name and presses the OK button.
+// Any other modal window is closed after a while, so a wrong prompt fails instead of hanging.
+void answerFileDialog(const QString &name, int attempts = 300)
+{
+    QTimer::singleShot(10, [name, attempts] {
+        QWidget *modal = QApplication::activeModalWidget();
+        auto *dialog = qobject_cast<KCFileDialog *>(modal);
+        if (!dialog) {
+            if (attempts > 0)
+                answerFileDialog(name, attempts - 1);
+            else if (modal)
+                modal->close();
+            return;
+        }
+        const QFileInfo file(name);
+        dialog->setDirectory(file.absolutePath());
+        QTest::keyClicks(dialog->findChild<QLineEdit *>("fileNameEdit"), file.fileName());
+        qobject_cast<QPushButton *>(dialog->controlById(KCFileDialog::IDC_OK))->click();
+    });
+}
 
 } // namespace
 
@@ -177,4 +203,24 @@ TEST_F(MainFrame, SettingsShapeNewBuffersAndPersist)
     reread.setFillByte(0x11);
     reread.save();
     EXPECT_EQ(KCAppSettings(settingsFile()).fillByte(), 0x5A);
+}
+
+TEST_F(MainFrame, OpenAndSaveThroughTheFileDialog)
+{
+    frame->host().setInteractive(true);
+    answerFileDialog(JedecFile);
+    KCDataDoc::OnFileOpen(&frame->host());
+    ASSERT_NE(frame->document(), nullptr);
+    EXPECT_TRUE(QString::fromStdString(frame->document()->getPathName()).endsWith("tiny-lf.jed"));
+    EXPECT_EQ(KCDataDoc::nOpenInitLoadFileType, LS_JEDEC); // the combo followed the typed name
+    EXPECT_EQ(frame->currentView()->GetBufferLayoutName(), LAYOUT_JEDVIEW);
+    EXPECT_EQ(frame->settings().lastDirectory(), KRLDV_TEST_DATA_DIR "/jedec/");
+
+    const QString out = dir.filePath("copy.hex");
+    answerFileDialog(out);
+    ASSERT_TRUE(frame->document()->SaveDoc(1));
+    QFile saved(out);
+    ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(saved.readAll().startsWith(':')); // written as Intel HEX
+    EXPECT_EQ(frame->document()->mainBufferParam()->fileType, LS_INTELHEX);
 }
