@@ -32,6 +32,9 @@ bool KCFdOutputStream::write(const void *data, size_t size)
     if (m_error)
         return false;
     const uint8_t *bytes = static_cast<const uint8_t *>(data);
+    // Blocks of half the buffer or more are worth a system call of their own, not a copy.
+    if (size >= m_buffer.size() / 2)
+        return flush() && writeAll(bytes, size);
     if (size <= m_buffer.size() - m_used) {
         std::memcpy(m_buffer.data() + m_used, bytes, size);
         m_used += size;
@@ -39,8 +42,6 @@ bool KCFdOutputStream::write(const void *data, size_t size)
     }
     if (!flush())
         return false;
-    if (size >= m_buffer.size())
-        return writeAll(bytes, size);
     std::memcpy(m_buffer.data(), bytes, size);
     m_used = size;
     return true;

@@ -190,10 +190,19 @@ bool KCHexFileMotorola::Save(KCOutputStream &out, const std::string &fileName, c
         const unsigned count = addressBytes + n + 1;
         w.hexByte(uint8_t(count));
         unsigned sum = count;
-        for (unsigned i = addressBytes; i-- > 0;) {
-            const uint8_t b = uint8_t(address >> (8 * i));
-            w.hexByte(b);
-            sum += b;
+        switch (addressBytes) {
+        case 4:
+            w.hexByte(uint8_t(address >> 24));
+            sum += unsigned(address >> 24) & 0xFF;
+            [[fallthrough]];
+        case 3:
+            w.hexByte(uint8_t(address >> 16));
+            sum += unsigned(address >> 16) & 0xFF;
+            [[fallthrough]];
+        default:
+            w.hexByte(uint8_t(address >> 8));
+            w.hexByte(uint8_t(address));
+            sum += (unsigned(address >> 8) & 0xFF) + (unsigned(address) & 0xFF);
         }
         sum += w.hexBytes(bytes, n);
         w.hexByte(uint8_t(~sum));
