@@ -15,6 +15,7 @@
 
 class KCArchive;
 class KCSerialDefCtrl;
+struct KCFileDialogRequest;
 class KCMainProgDataExChange;
 
 // Hints passed to the views by UpdateAllViews.
@@ -197,4 +198,5 @@ private:
     void readWithFormat(KCArchive &ar, const char *formatName, unsigned descriptionId);
     void writeWithFormat(KCArchive &ar, const char *formatName);
     bool saveWithDialog();
+    bool runFileDialog(CALLFROMMENUE origin, const TAG_BUFFER_PARAM &param, KCFileDialogRequest &request);
 };

@@ -283,20 +283,25 @@ bool KCDataDoc::privateSaveDocument(const std::string &path)
     return true;
 }
 
+bool KCDataDoc::runFileDialog(CALLFROMMENUE origin, const TAG_BUFFER_PARAM &param, KCFileDialogRequest &request)
+{
+    KCFileDialogCore::m_CallFromMenue = origin;
+    KCFileDialogCore::m_LoadSaveType = param.fileType;
+    request.origin = origin;
+    request.flags = FILEDIALOG_OPTIONS;
+    request.initialPath = m_ownPathName;
+    request.filterType = param.filterType;
+    request.loadSaveType = param.fileType;
+    return m_host->RunFileDialog(request);
+}
+
 bool KCDataDoc::saveWithDialog()
 {
     TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
     if (!param)
         return false;
-    KCFileDialogCore::m_CallFromMenue = CALLFROM_SAVE;
-    KCFileDialogCore::m_LoadSaveType = param->fileType;
     KCFileDialogRequest request;
-    request.origin = CALLFROM_SAVE;
-    request.flags = FILEDIALOG_OPTIONS;
-    request.initialPath = m_ownPathName;
-    request.filterType = param->filterType;
-    request.loadSaveType = param->fileType;
-    if (!m_host->RunFileDialog(request))
+    if (!runFileDialog(CALLFROM_SAVE, *param, request))
         return false;
     param->filterType = request.chosenFilterType;
     param->fileType = request.chosenLoadSaveType;
@@ -345,15 +350,8 @@ void KCDataDoc::OnFileReLoad()
     TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
     if (!param || !CanReloadDoc() || !SaveModified())
         return;
-    KCFileDialogCore::m_CallFromMenue = CALLFROM_RELOAD;
-    KCFileDialogCore::m_LoadSaveType = param->fileType;
     KCFileDialogRequest request;
-    request.origin = CALLFROM_RELOAD;
-    request.flags = FILEDIALOG_OPTIONS;
-    request.initialPath = m_ownPathName;
-    request.filterType = param->filterType;
-    request.loadSaveType = param->fileType;
-    if (!m_host->RunFileDialog(request))
+    if (!runFileDialog(CALLFROM_RELOAD, *param, request))
         return;
     param->filterType = request.chosenFilterType;
     param->fileType = request.chosenLoadSaveType;

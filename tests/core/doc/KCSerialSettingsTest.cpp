@@ -1,42 +1,19 @@
 #include "KCDataDoc.h"
 #include "KCSerialDefCtrl.h"
 #include "KCSerialSettings.h"
-#include "KCTestHost.h"
+#include "KCSerialTestHost.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
-#include <sstream>
 
 namespace {
-
-// The test host's default serial file lives in a fresh folder.
-class SerialHost : public KCTestHost
-{
-public:
-    SerialHost()
-    {
-        char tmpl[] = "/tmp/krldv-settings-XXXXXX";
-        dir = ::mkdtemp(tmpl);
-    }
-    ~SerialHost() override { std::system(("rm -rf '" + dir + "'").c_str()); }
-    std::string GetSerialDefaultFilePath() const override { return dir + "/" + KCSerialDefCtrl::DefaultFileName; }
-    std::string fileText() const
-    {
-        std::ifstream in(GetSerialDefaultFilePath(), std::ios::binary);
-        std::stringstream ss;
-        ss << in.rdbuf();
-        return ss.str();
-    }
-    std::string dir;
-};
 
 } // namespace
 
 TEST(KCSerialSettings, ApplyShowsTheNextNumberAndNeverConsumesIt)
 {
-    SerialHost host;
+    KCSerialTestHost host;
     KCDataDoc doc;
     KCSerialSettings s(&doc);
     EXPECT_EQ(s.choice(), KCSerialSettings::ChoiceNone);
@@ -79,7 +56,7 @@ TEST(KCSerialSettings, ApplyShowsTheNextNumberAndNeverConsumesIt)
 
 TEST(KCSerialSettings, AFileWithoutUsableNumbersTurnsSerialsOff)
 {
-    SerialHost host;
+    KCSerialTestHost host;
     const std::string bad = host.dir + "/bad.ser";
     std::ofstream(bad) << "Broken\n{\nTYPE=ODD\n}\n";
     KCDataDoc doc;

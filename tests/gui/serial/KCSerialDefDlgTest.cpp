@@ -1,7 +1,7 @@
 #include "KCDataDoc.h"
 #include "KCSerialDefCtrl.h"
 #include "KCSerialDefDlg.h"
-#include "KCTestHost.h"
+#include "KCSerialTestHost.h"
 
 #include <QAbstractButton>
 #include <QLabel>
@@ -10,31 +10,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
-#include <sstream>
 
 namespace {
-
-class SerialHost : public KCTestHost
-{
-public:
-    SerialHost()
-    {
-        char tmpl[] = "/tmp/krldv-serialdlg-XXXXXX";
-        dir = ::mkdtemp(tmpl);
-    }
-    ~SerialHost() override { std::system(("rm -rf '" + dir + "'").c_str()); }
-    std::string GetSerialDefaultFilePath() const override { return dir + "/" + KCSerialDefCtrl::DefaultFileName; }
-    std::string fileText() const
-    {
-        std::ifstream in(GetSerialDefaultFilePath(), std::ios::binary);
-        std::stringstream ss;
-        ss << in.rdbuf();
-        return ss.str();
-    }
-    std::string dir;
-};
 
 void click(KCSerialDefDlg &dlg, int id)
 {
@@ -53,7 +31,7 @@ QString preview(KCSerialDefDlg &dlg)
 
 TEST(KCSerialDefDlg, PreviewFollowsTheRepresentationAndApplyDoesNotConsume)
 {
-    SerialHost host;
+    KCSerialTestHost host;
     KCDataDoc doc;
     KCSerialDefDlg dlg(nullptr, &doc);
     EXPECT_FALSE(dlg.control(IDC_SERIAL_ADDRESS)->isEnabled()); // no serial numbers yet
