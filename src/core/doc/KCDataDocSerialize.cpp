@@ -119,7 +119,13 @@ void KCDataDoc::ReadBinFile(KCArchive &ar) { readWithFormat(ar, "bin", KCHostStr
 void KCDataDoc::ReadHexFileIntel(KCArchive &ar) { readWithFormat(ar, "intel", KCHostStrings::FileTypeIntel); }
 void KCDataDoc::ReadHexFileMotorola(KCArchive &ar) { readWithFormat(ar, "motorola", KCHostStrings::FileTypeMotorola); }
 void KCDataDoc::ReadHexFileTI(KCArchive &ar) { readWithFormat(ar, "ti", KCHostStrings::FileTypeTi); }
-void KCDataDoc::ReadJedFile(KCArchive &ar) { readWithFormat(ar, "jedec", KCHostStrings::FileTypeJedec); }
+void KCDataDoc::ReadJedFile(KCArchive &ar)
+{
+    readWithFormat(ar, "jedec", KCHostStrings::FileTypeJedec);
+    // A fuse map defines every fuse of its device: without a device the buffer is the map.
+    if (m_loadOk && !HasDeviceX() && m_lastLoad.fuseCount)
+        m_algoParam->buffer(0).resize(m_lastLoad.fuseCount, m_host->GetFillByte());
+}
 void KCDataDoc::ReadSVFile(KCArchive &ar) { readWithFormat(ar, "svf", KCHostStrings::FileTypeSvf); }
 void KCDataDoc::ReadBinFileOTP(KCArchive &ar) { readWithFormat(ar, "otp", KCHostStrings::FileTypeBinary); }
 void KCDataDoc::ReadSTPFile(KCArchive &ar) { readWithFormat(ar, "stapl", KCHostStrings::FileTypeBinary); }

@@ -67,6 +67,16 @@ TEST(KCDataDocPipeline, OpensThroughTheReaderOfTheBufferType)
     EXPECT_EQ(doc.mainBufferParam()->checksum, 0x10000u * 0xFF - 4 * 0xFF + 10);
 }
 
+TEST(KCDataDocPipeline, AFuseMapWithoutADeviceIsTheWholeBuffer)
+{
+    KCTestHost host;
+    KCDataDoc doc;
+    doc.mainBufferParam()->fileType = LS_JEDEC;
+    ASSERT_TRUE(doc.OnOpenDocument(KRLDV_TEST_DATA_DIR "/jedec/tiny-crlf.jed"));
+    EXPECT_EQ(doc.GetBufferSize(), 24u);
+    EXPECT_EQ(doc.mainBufferParam()->checksumEnd, 23u);
+}
+
 TEST(KCDataDocPipeline, ABadFileIsReportedWithLineAndKeepsWhatWasRead)
 {
     KCTestHost host;
