@@ -1,5 +1,10 @@
 #include "KCAppHost.h"
 
+#include "KCSerialDefCtrl.h"
+
+#include <QDir>
+#include <QStandardPaths>
+
 #include "KCAppSettings.h"
 #include "KCFileDialog.h"
 #include "KCMainFrame.h"
@@ -171,4 +176,12 @@ bool KCAppHost::RunFileDialog(KCFileDialogRequest &request)
 KCDocBase *KCAppHost::OpenDocumentFile(const std::string &path)
 {
     return m_frame->openDocumentFile(path);
+}
+
+std::string KCAppHost::GetSerialDefaultFilePath() const
+{
+    // The default definition file belongs to the user, beside the program's settings.
+    const QString dir = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    QDir().mkpath(dir);
+    return (dir + "/" + KCSerialDefCtrl::DefaultFileName).toStdString();
 }

@@ -34,6 +34,7 @@ public:
     void EndWaitCursor() override;
     bool RunFileDialog(KCFileDialogRequest &request) override;
     KCDocBase *OpenDocumentFile(const std::string &path) override;
+    std::string GetSerialDefaultFilePath() const override;
 
     // Without a user (screenshots, benchmarks) no dialog is shown: prompts get the answer
     // that changes nothing and file dialogs are cancelled.

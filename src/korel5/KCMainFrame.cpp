@@ -8,6 +8,7 @@
 #include "KCLayoutNames.h"
 #include "KCMessageMarks.h"
 #include "KCMessageWindow.h"
+#include "KCSerialDefDlg.h"
 #include "KCSettingsDialog.h"
 #include "KCStatusBar.h"
 #include "KCWorkspaceTree.h"
@@ -182,6 +183,40 @@ void KCMainFrame::createActions()
         if (m_doc)
             m_doc->OnSwapbytes();
     });
+
+    m_serialAction = new QAction(tr("Serial &Numbers..."), this);
+    connect(m_serialAction, &QAction::triggered, this, [this] {
+        if (!m_doc)
+            return;
+        KCSerialDefDlg dialog(this, m_doc.get());
+        dialog.exec();
+        updateActions();
+    });
+    m_takeSerialAction = new QAction(tr("&Take Next Serial Number"), this);
+    m_takeSerialAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
+    connect(m_takeSerialAction, &QAction::triggered, this, &KCMainFrame::takeNextSerialNumber);
+}
+
+void KCMainFrame::takeNextSerialNumber()
+{
+    if (!m_doc || m_doc->serialMode() == 0)
+        return;
+    // As before each device of a production run: the number is consumed from the file.
+    if (m_doc->GetNextSerialNumberFromFile(1, 1)) {
+        const std::string &n = m_doc->serialNumberText();
+        QString hex;
+        for (unsigned char c : n)
+            hex += QStringLiteral("%1 ").arg(c, 2, 16, QLatin1Char('0')).toUpper();
+        g_pMainProgDataExChange->ShowMessage(QStringLiteral("Serial number %1at 0x%2")
+                                                 .arg(hex)
+                                                 .arg(m_doc->serialAddress(), 8, 16, QLatin1Char('0'))
+                                                 .toUpper()
+                                                 .toStdString());
+    } else {
+        g_pMainProgDataExChange->ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error)
+                                             + "No serial number could be taken from "
+                                             + m_doc->serialDefPath());
+    }
 }
 
 void KCMainFrame::createMenus()
@@ -207,6 +242,9 @@ void KCMainFrame::createMenus()
 
     QMenu *buffer = menuBar()->addMenu(tr("&Buffer"));
     buffer->addAction(m_swapAction);
+    buffer->addSeparator();
+    buffer->addAction(m_serialAction);
+    buffer->addAction(m_takeSerialAction);
     updateRecentMenu();
 }
 
@@ -430,6 +468,8 @@ void KCMainFrame::updateActions()
     m_saveAction->setEnabled(hasDoc);
     m_saveAsAction->setEnabled(hasDoc);
     m_swapAction->setEnabled(hasDoc);
+    m_serialAction->setEnabled(hasDoc);
+    m_takeSerialAction->setEnabled(hasDoc && m_doc->serialMode() != 0);
     m_newWindowAction->setEnabled(hasDoc);
     m_layoutGroup->setEnabled(hasDoc);
 }

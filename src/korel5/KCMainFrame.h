@@ -80,6 +80,7 @@ private:
     void currentWindowChanged();
     void updateTitle();
     void updateActions();
+    void takeNextSerialNumber();
     void updateRecentMenu();
     void saveRecentFiles();
     void save(bool askForName);
@@ -111,6 +112,8 @@ private:
     QAction *m_fuseAction = nullptr;
     QAction *m_newWindowAction = nullptr;
     QAction *m_swapAction = nullptr;
+    QAction *m_serialAction = nullptr;
+    QAction *m_takeSerialAction = nullptr;
     QActionGroup *m_layoutGroup = nullptr;
     QMenu *m_recentMenu = nullptr;
 };

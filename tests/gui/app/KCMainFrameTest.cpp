@@ -6,6 +6,8 @@
 #include "KCMainFrame.h"
 #include "KCMessageMarks.h"
 #include "KCMessageWindow.h"
+#include "KCSerialDefCtrl.h"
+#include "KCSerialSettings.h"
 #include "KCStatusBar.h"
 #include "KCWorkspaceTree.h"
 
@@ -223,4 +225,37 @@ TEST_F(MainFrame, OpenAndSaveThroughTheFileDialog)
     ASSERT_TRUE(saved.open(QIODevice::ReadOnly));
     EXPECT_TRUE(saved.readAll().startsWith(':')); // written as Intel HEX
     EXPECT_EQ(frame->document()->mainBufferParam()->fileType, LS_INTELHEX);
+}
+
+TEST_F(MainFrame, TakeNextSerialNumberConsumesOneIntoTheBuffer)
+{
+    ASSERT_TRUE(frame->openFile(DemoFile));
+    KCDataDoc *doc = frame->document();
+    QAction *take = nullptr;
+    for (QAction *a : frame->findChildren<QAction *>())
+        if (a->text() == "&Take Next Serial Number")
+            take = a;
+    ASSERT_NE(take, nullptr);
+    EXPECT_FALSE(take->isEnabled()); // serial numbers are off
+
+    const QString ser = dir.filePath("line.ser");
+    QFile f(ser);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("Line\r\n{\r\nTYPE=CALC\r\nLENGTH=1\r\nNEXT=0x41\r\nSTEP=0x1\r\n}\r\n");
+    f.close();
+    KCSerialSettings settings(doc);
+    settings.setChoice(KCSerialSettings::ChoiceCustom);
+    settings.setFileName(ser.toStdString());
+    settings.setFlag(KCSerialDefCtrl::FlagBin);
+    settings.setAddress(0x20);
+    settings.setByteCount(1);
+    settings.OnApply(); // shows the next number, takes none
+    EXPECT_EQ(doc->GetData(0x20), 0x41);
+    ASSERT_NE(doc->serialMode(), 0);
+    EXPECT_TRUE(take->isEnabled());
+    take->trigger();
+    take->trigger();
+    EXPECT_EQ(doc->GetData(0x20), 0x42);
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(f.readAll().contains("NEXT=0x43"));
 }
