@@ -23,13 +23,15 @@ lib=$build/bench/krlfileio_convert
 cli=$build/src/cli/krldv
 have() { command -v "$1" >/dev/null 2>&1; }
 
-# Seconds taken by the command, best of $2 runs; "-" when it fails.
+# Seconds taken by the command, best of $2 runs; "-" when it fails. The output file $3 is
+# removed before each run (untimed), so no run pays for truncating the previous one.
 best() {
     cmd=$1
     n=$2
     bestTime=
     i=0
     while [ "$i" -lt "$n" ]; do
+        rm -f "$3"
         t0=$(date +%s%N)
         if ! sh -c "$cmd" >/dev/null 2>&1; then
             echo -
@@ -59,20 +61,21 @@ if [ -x "$cli" ] && "$cli" convert img16.hex cli-probe.bin --from intel --to bin
     cmp -s cli-probe.bin img.bin; then
     cliWorks=yes
 fi
+rm -f cli-probe.bin
 
 printf '%s MiB image, best of %s runs (srec_cat and objcopy: 1 run)\n\n' "$size_mib" "$runs"
 printf '%-22s %8s %8s %8s %8s %8s %10s %10s\n' conversion library cli ref.c srec_cat objcopy srec/lib objcopy/lib
 
 row() {
     name=$1 from=$2 to=$3 input=$4 output=$5 srecIn=$6 srecOut=$7 objIn=$8 objOut=$9 extra=${10}
-    tLib=$(best "'$lib' $input lib.$output --from $from --to $to $extra" "$runs")
+    tLib=$(best "'$lib' $input lib.$output --from $from --to $to $extra" "$runs" lib."$output")
     tCli=-
-    [ "$cliWorks" = yes ] && tCli=$(best "'$cli' convert $input cli.$output --from $from --to $to $extra" "$runs")
+    [ "$cliWorks" = yes ] && tCli=$(best "'$cli' convert $input cli.$output --from $from --to $to $extra" "$runs" cli."$output")
     tRef=-
-    [ "$from" = intel ] && tRef=$(best "'$work/ref_ihex2bin' $input ref.$output" "$runs")
-    tSrec=$(best "srec_cat $input $srecIn -o srec.$output $srecOut" 1)
+    [ "$from" = intel ] && tRef=$(best "'$work/ref_ihex2bin' $input ref.$output" "$runs" ref."$output")
+    tSrec=$(best "srec_cat $input $srecIn -o srec.$output $srecOut" 1 srec."$output")
     tObj=-
-    if [ "$objIn" != - ] && have objcopy; then tObj=$(best "objcopy -I $objIn -O $objOut $input obj.$output" 1); fi
+    if [ "$objIn" != - ] && have objcopy; then tObj=$(best "objcopy -I $objIn -O $objOut $input obj.$output" 1 obj."$output"); fi
     note=
     if [ "$to" = bin ] && ! cmp -s lib."$output" srec."$output"; then note=" (output differs from srec_cat!)"; fi
     printf '%-22s %8s %8s %8s %8s %8s %10s %10s%s\n' "$name" "$tLib" "$tCli" "$tRef" "$tSrec" "$tObj" \
