@@ -12,4 +12,8 @@ public:
     bool canSave() const override { return true; }
     bool Save(KCOutputStream &out, const std::string &fileName, const uint8_t *data, uint64_t size,
               const KCSaveOptions &options) override;
+
+private:
+    bool readDirect(const KCInputFile &file, uint8_t *to, uint64_t offset, uint64_t count);
+    static bool readRange(int fd, uint8_t *to, uint64_t offset, uint64_t count, int &error);
 };

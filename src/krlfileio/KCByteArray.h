@@ -18,4 +18,8 @@ public:
     // Grows or shrinks to newSize, keeping the existing bytes; new bytes get `fill`.
     // Returns false when the memory cannot be had; the content is then unchanged.
     virtual bool resize(uint64_t newSize, uint8_t fill) = 0;
+
+    // Grows to newSize leaving the new bytes unspecified, for a caller that writes every one
+    // of them at once (a raw image): saves a pass over memory that is overwritten anyway.
+    virtual bool resizeForOverwrite(uint64_t newSize) { return resize(newSize, 0); }
 };

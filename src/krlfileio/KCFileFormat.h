@@ -15,6 +15,9 @@ struct KCInputFile
     std::string name;
     const uint8_t *data = nullptr;
     size_t size = 0;
+    // An open descriptor of the same file, or -1. A reader that copies the bytes as they
+    // are may read them from it straight into the target instead of through `data`.
+    int fd = -1;
 };
 
 struct KCLoadOptions

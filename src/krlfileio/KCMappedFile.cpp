@@ -33,6 +33,9 @@ void KCMappedFile::close()
 {
     if (m_map)
         ::munmap(m_map, m_size);
+    if (m_fd >= 0)
+        ::close(m_fd);
+    m_fd = -1;
     m_map = nullptr;
     m_copy.clear();
     m_copy.shrink_to_fit();
@@ -47,7 +50,7 @@ bool KCMappedFile::fail(const char *what, int error)
     return false;
 }
 
-bool KCMappedFile::open(const std::string &path)
+bool KCMappedFile::open(const std::string &path, bool populate)
 {
     close();
     m_path = path;
@@ -66,9 +69,14 @@ bool KCMappedFile::open(const std::string &path)
             return true;
         if (uint64_t(st.st_size) > SIZE_MAX)
             return fail("map", EFBIG);
-        void *map = ::mmap(nullptr, size_t(st.st_size), PROT_READ, MAP_PRIVATE | MAP_POPULATE, fd.fd, 0);
+        void *map = ::mmap(nullptr, size_t(st.st_size), PROT_READ, MAP_PRIVATE | (populate ? MAP_POPULATE : 0),
+                           fd.fd, 0);
         if (map != MAP_FAILED) {
             ::madvise(map, size_t(st.st_size), MADV_SEQUENTIAL);
+            if (!populate) {
+                m_fd = fd.fd;
+                fd.fd = -1;
+            }
             m_map = map;
             m_data = static_cast<const uint8_t *>(map);
             m_size = size_t(st.st_size);

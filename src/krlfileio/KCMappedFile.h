@@ -16,14 +16,16 @@ public:
     KCMappedFile(const KCMappedFile &) = delete;
     KCMappedFile &operator=(const KCMappedFile &) = delete;
 
-    // False on failure; errorText() then names the file and the reason.
-    bool open(const std::string &path);
+    // False on failure; errorText() then names the file and the reason. `populate` maps all
+    // pages at once (readers walk every byte); without it the descriptor stays open in the
+    // input, for a reader that copies the file as it is.
+    bool open(const std::string &path, bool populate = true);
     void close();
 
     const std::string &errorText() const { return m_error; }
     const uint8_t *data() const { return m_data; }
     size_t size() const { return m_size; }
-    KCInputFile input() const { return KCInputFile{m_path, m_data, m_size}; }
+    KCInputFile input() const { return KCInputFile{m_path, m_data, m_size, m_fd}; }
 
 private:
     bool fail(const char *what, int error);
@@ -33,5 +35,6 @@ private:
     const uint8_t *m_data = nullptr;
     size_t m_size = 0;
     void *m_map = nullptr;
+    int m_fd = -1;
     std::vector<uint8_t> m_copy;
 };

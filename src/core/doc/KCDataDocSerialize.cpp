@@ -219,8 +219,11 @@ bool KCDataDoc::OnSaveDocument(const char *path)
 
 bool KCDataDoc::privateOpenDocument(const std::string &path)
 {
+    // Raw images are read straight into the buffer; every other reader walks the bytes.
+    const TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    const bool raw = param && param->fileType == LS_BINARY && m_projectFlag == 0;
     KCMappedFile file;
-    if (!file.open(path)) {
+    if (!file.open(path, !raw)) {
         m_host->ShowMessage(mark(KCMessageMarks::Error) + file.errorText());
         return false;
     }

@@ -1,6 +1,7 @@
 #include "cBufferSum.h"
 
 #include <immintrin.h>
+#include <thread>
 
 namespace {
 
@@ -88,11 +89,28 @@ bool hasAvx2()
     return avx2;
 }
 
+
+uint64_t byteSumOneThread(const uint8_t *data, size_t size)
+{
+    return hasAvx2() ? byteSumAvx2(data, size) : byteSumSse2(data, size);
+}
+
+// From this size the sum is shared with a second thread: memory, not arithmetic, is the
+// limit, and one core alone does not draw all the bandwidth there is.
+constexpr size_t ParallelSumThreshold = size_t(64) << 20;
+
 } // namespace
 
 uint32_t cBufferSum::byteSum(const uint8_t *data, size_t size)
 {
-    return static_cast<uint32_t>(hasAvx2() ? byteSumAvx2(data, size) : byteSumSse2(data, size));
+    if (size < ParallelSumThreshold || std::thread::hardware_concurrency() < 2)
+        return static_cast<uint32_t>(byteSumOneThread(data, size));
+    const size_t half = size / 2;
+    uint64_t second = 0;
+    std::thread t([&] { second = byteSumOneThread(data + half, size - half); });
+    const uint64_t first = byteSumOneThread(data, half);
+    t.join();
+    return static_cast<uint32_t>(first + second);
 }
 
 uint32_t cBufferSum::fuseSum(const uint8_t *data, size_t size, uint64_t firstAddress)

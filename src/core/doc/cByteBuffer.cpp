@@ -1,20 +1,77 @@
 #include "cByteBuffer.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <thread>
 #include <sys/mman.h>
 
 namespace {
 
 constexpr uint64_t PageSize = 4096;
-// Large buffers ask for huge pages: a gigabyte then costs a few hundred page faults, not
-// a quarter of a million.
-constexpr uint64_t HugePageSize = uint64_t(2) << 20;
+#ifndef MADV_POPULATE_WRITE
+#define MADV_POPULATE_WRITE 23
+#endif
 
-void adviseHugePages(void *p, uint64_t size)
+// Large growth maps its pages in one call instead of one fault per page touched later; a
+// kernel without the call simply faults them in as before.
+constexpr uint64_t PopulateThreshold = uint64_t(2) << 20;
+
+// Huge pages make a gigabyte cost a few hundred faults instead of a quarter of a million, but
+// asking for them when free memory is fragmented makes the kernel compact it first, which
+// can stall for seconds. So they are asked for only when enough free 2 MiB blocks exist.
+constexpr uint64_t HugePageThreshold = uint64_t(64) << 20;
+constexpr int HugePageOrder = 9; // 2 MiB in 4 KiB pages
+
+uint64_t freeHugeBlockBytes()
 {
-    if (size >= HugePageSize)
+    std::FILE *f = std::fopen("/proc/buddyinfo", "r");
+    if (!f)
+        return 0;
+    uint64_t bytes = 0;
+    char line[512];
+    while (std::fgets(line, sizeof line, f)) {
+        // "Node 0, zone   Normal  c0 c1 ... c10": counts of free blocks by order.
+        const char *p = std::strstr(line, "zone");
+        if (!p)
+            continue;
+        p += 4;
+        while (*p == ' ')
+            ++p;
+        while (*p && *p != ' ')
+            ++p;
+        char *end = nullptr;
+        for (int order = 0;; ++order) {
+            const unsigned long long count = std::strtoull(p, &end, 10);
+            if (end == p)
+                break;
+            if (order >= HugePageOrder)
+                bytes += count * (PageSize << order);
+            p = end;
+        }
+    }
+    std::fclose(f);
+    return bytes;
+}
+
+// Above this the kernel's zeroing of fresh pages is split between two threads.
+constexpr uint64_t ParallelPopulateThreshold = uint64_t(256) << 20;
+
+void populate(uint8_t *p, uint64_t size)
+{
+    if (size >= HugePageThreshold && freeHugeBlockBytes() >= size)
         ::madvise(p, size, MADV_HUGEPAGE);
+    if (size < PopulateThreshold)
+        return;
+    if (size < ParallelPopulateThreshold || std::thread::hardware_concurrency() < 2) {
+        ::madvise(p, size, MADV_POPULATE_WRITE);
+        return;
+    }
+    const uint64_t half = (size / 2) & ~(PopulateThreshold - 1);
+    std::thread second([p, half, size] { ::madvise(p + half, size - half, MADV_POPULATE_WRITE); });
+    ::madvise(p, half, MADV_POPULATE_WRITE);
+    second.join();
 }
 
 uint64_t roundUp(uint64_t n)
@@ -35,7 +92,7 @@ cByteBuffer::~cByteBuffer()
         ::munmap(m_data, m_capacity);
 }
 
-bool cByteBuffer::resize(uint64_t newSize, uint8_t fill)
+bool cByteBuffer::reserve(uint64_t newSize)
 {
     if (newSize > m_capacity) {
         const uint64_t capacity = roundUp(newSize);
@@ -44,9 +101,25 @@ bool cByteBuffer::resize(uint64_t newSize, uint8_t fill)
         if (p == MAP_FAILED)
             return false;
         m_data = static_cast<uint8_t *>(p);
+        populate(m_data + m_used, capacity - m_used);
         m_capacity = capacity;
-        adviseHugePages(m_data, m_capacity);
     }
+    return true;
+}
+
+bool cByteBuffer::resizeForOverwrite(uint64_t newSize)
+{
+    if (!reserve(newSize))
+        return false;
+    m_size = newSize;
+    m_used = std::max(m_used, m_size);
+    return true;
+}
+
+bool cByteBuffer::resize(uint64_t newSize, uint8_t fill)
+{
+    if (!reserve(newSize))
+        return false;
     if (newSize > m_size) {
         // Pages never used yet read as zero, so a zero fill need not touch them.
         const uint64_t end = fill == 0 ? std::min(newSize, m_used) : newSize;

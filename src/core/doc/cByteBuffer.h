@@ -20,6 +20,7 @@ public:
     uint8_t *data() override { return m_data; }
     const uint8_t *data() const override { return m_data; }
     bool resize(uint64_t newSize, uint8_t fill) override;
+    bool resizeForOverwrite(uint64_t newSize) override;
 
     uint64_t GetSize() const { return m_size; }
     uint8_t GetAt(uint64_t addr) const { return m_data[addr]; }
@@ -30,6 +31,8 @@ public:
     void Fill(uint64_t start, uint64_t end, uint8_t value);
 
 private:
+    bool reserve(uint64_t newSize);
+
     uint8_t *m_data = nullptr;
     uint64_t m_size = 0;
     uint64_t m_capacity = 0;
