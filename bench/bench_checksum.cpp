@@ -2,7 +2,7 @@
 // the physical limits on the same memory: memset (write) and memchr (read, never matching),
 // and a plain byte-sum loop as the compiler builds it at this optimisation level.
 #include "KCDataDoc.h"
-#include "KCDocView.h"
+#include "KCHeadlessDataView.h"
 #include "KCMainProgDataExChange.h"
 #include "cBufferSum.h"
 
@@ -30,17 +30,6 @@ public:
     void SetLastDirectory(const std::string &) override {}
 };
 
-class LayoutView : public KCDocView
-{
-public:
-    explicit LayoutView(const char *layout) : m_layout(layout) {}
-    void OnUpdate(KCDocView *, long) override {}
-    bool isDataView() const override { return true; }
-    std::string GetBufferLayoutName() const override { return m_layout; }
-
-private:
-    const char *m_layout;
-};
 
 KCDataDoc &document()
 {
@@ -67,7 +56,7 @@ void setBytes(benchmark::State &state)
 void BM_ComputeCheckSum_Byte(benchmark::State &state)
 {
     KCDataDoc &doc = document();
-    LayoutView view("BYTEVIEW");
+    KCHeadlessDataView view("BYTEVIEW");
     doc.viewItems()[0].view = &view;
     for (auto _ : state)
         benchmark::DoNotOptimize(doc.ComputeCheckSum(-1));
@@ -78,7 +67,7 @@ void BM_ComputeCheckSum_Byte(benchmark::State &state)
 void BM_ComputeCheckSum_Fuse(benchmark::State &state)
 {
     KCDataDoc &doc = document();
-    LayoutView view("JEDVIEW");
+    KCHeadlessDataView view("JEDVIEW");
     doc.viewItems()[0].view = &view;
     for (auto _ : state)
         benchmark::DoNotOptimize(doc.ComputeCheckSum(-1));

@@ -4,27 +4,11 @@
 #include "KCCliHost.h"
 #include "KCCliImageLoader.h"
 #include "KCDataDoc.h"
-#include "KCDocView.h"
+#include "KCHeadlessDataView.h"
 #include "KCLayoutNames.h"
 
 #include <cstdio>
 
-namespace {
-
-// The document takes its checksum kind from the layout of the view that shows the buffer.
-class HeadlessView : public KCDocView
-{
-public:
-    explicit HeadlessView(const char *layout) : m_layout(layout) {}
-    void OnUpdate(KCDocView *, long) override {}
-    bool isDataView() const override { return true; }
-    std::string GetBufferLayoutName() const override { return m_layout; }
-
-private:
-    const char *m_layout;
-};
-
-} // namespace
 
 const char *KCCliChecksumCommand::usage() const
 {
@@ -68,7 +52,8 @@ int KCCliChecksumCommand::run(const std::vector<std::string> &args)
     if (!KCCliImageLoader::load(doc, path, a.value("format")))
         return CLI_INPUT_ERROR;
 
-    HeadlessView view(kind == "fuse" ? LAYOUT_JEDVIEW : LAYOUT_BYTEVIEW);
+    // The document takes its checksum kind from the layout of the view showing the buffer.
+    KCHeadlessDataView view(kind == "fuse" ? LAYOUT_JEDVIEW : LAYOUT_BYTEVIEW);
     doc.AddView(&view);
     doc.viewItems()[0].view = &view;
     TAG_BUFFER_PARAM *param = doc.mainBufferParam();

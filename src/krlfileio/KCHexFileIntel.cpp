@@ -52,17 +52,6 @@ bool KCHexFileIntel::detect(const uint8_t *data, size_t size)
     return i + 1 < size && data[i] == ':' && KCTextScanner::isHex(data[i + 1]);
 }
 
-KCLoadResult KCHexFileIntel::Load(const KCInputFile &file, KCByteArray &target, const KCLoadOptions &options)
-{
-    KCLoadResult result;
-    KCTextScanner scanner(file, m_sink);
-    KCLoadTarget loader(target, options, result);
-    loader.setSizeHint(file.size / 2); // two hex digits per data byte at least
-    result.ok = parse(scanner, loader, result, options);
-    loader.finish(m_sink, file.name);
-    return result;
-}
-
 bool KCHexFileIntel::parse(KCTextScanner &s, KCLoadTarget &target, KCLoadResult &result,
                            const KCLoadOptions &options)
 {

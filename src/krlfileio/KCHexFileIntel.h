@@ -1,18 +1,14 @@
 #pragma once
 
-#include "KCFileFormat.h"
-
-class KCLoadTarget;
-class KCTextScanner;
+#include "KCHexRecordFormat.h"
 
 // Intel HEX: reads record types 00 to 05 (8-, 16- and 32-bit variants alike); writes
 // 32-bit linear style, never letting a data record cross a 64 KiB boundary.
-class KCHexFileIntel : public KCFileFormat
+class KCHexFileIntel : public KCHexRecordFormat
 {
 public:
-    using KCFileFormat::KCFileFormat;
+    using KCHexRecordFormat::KCHexRecordFormat;
 
-    KCLoadResult Load(const KCInputFile &file, KCByteArray &target, const KCLoadOptions &options) override;
     bool canSave() const override { return true; }
     bool Save(KCOutputStream &out, const std::string &fileName, const uint8_t *data, uint64_t size,
               const KCSaveOptions &options) override;
@@ -21,5 +17,6 @@ public:
     static bool detect(const uint8_t *data, size_t size);
 
 private:
-    bool parse(KCTextScanner &scanner, KCLoadTarget &target, KCLoadResult &result, const KCLoadOptions &options);
+    bool parse(KCTextScanner &scanner, KCLoadTarget &target, KCLoadResult &result,
+               const KCLoadOptions &options) override;
 };

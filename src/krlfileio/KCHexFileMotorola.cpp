@@ -44,17 +44,6 @@ bool KCHexFileMotorola::detect(const uint8_t *data, size_t size)
     return i + 1 < size && data[i] == 'S' && data[i + 1] >= '0' && data[i + 1] <= '9';
 }
 
-KCLoadResult KCHexFileMotorola::Load(const KCInputFile &file, KCByteArray &target, const KCLoadOptions &options)
-{
-    KCLoadResult result;
-    KCTextScanner scanner(file, m_sink);
-    KCLoadTarget loader(target, options, result);
-    loader.setSizeHint(file.size / 2); // two hex digits per data byte at least
-    result.ok = parse(scanner, loader, result, options);
-    loader.finish(m_sink, file.name);
-    return result;
-}
-
 bool KCHexFileMotorola::parse(KCTextScanner &s, KCLoadTarget &target, KCLoadResult &result,
                               const KCLoadOptions &options)
 {

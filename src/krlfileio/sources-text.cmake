@@ -2,6 +2,7 @@
 list(APPEND KRLFILEIO_SOURCES
   KCTextScanner.cpp
   KCLoadTarget.cpp
+  KCHexRecordFormat.cpp
   KCHexRecordWriter.cpp
   KCMappedFile.cpp
   KCFdOutputStream.cpp
