@@ -20,7 +20,9 @@ constexpr uint64_t PopulateThreshold = uint64_t(2) << 20;
 
 // Huge pages make a gigabyte cost a few hundred faults instead of a quarter of a million, but
 // asking for them when free memory is fragmented makes the kernel compact it first, which
-// can stall for seconds. So they are asked for only when enough free 2 MiB blocks exist.
+// can stall for seconds. So they are asked for only when enough free 2 MiB blocks exist, and
+// not at all with KRLDV_NO_HUGEPAGES set (virtual machines that back guest memory lazily
+// make the first touch of a huge page slow).
 constexpr uint64_t HugePageThreshold = uint64_t(64) << 20;
 constexpr int HugePageOrder = 9; // 2 MiB in 4 KiB pages
 
@@ -60,7 +62,7 @@ constexpr uint64_t ParallelPopulateThreshold = uint64_t(256) << 20;
 
 void populate(uint8_t *p, uint64_t size)
 {
-    if (size >= HugePageThreshold && freeHugeBlockBytes() >= size)
+    if (!std::getenv("KRLDV_NO_HUGEPAGES") && size >= HugePageThreshold && freeHugeBlockBytes() >= size)
         ::madvise(p, size, MADV_HUGEPAGE);
     if (size < PopulateThreshold)
         return;
