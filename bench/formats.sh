@@ -3,18 +3,18 @@
 # can convert, and the format library alone through krlfileio_convert) beside srec_cat,
 # objcopy and a minimal hand-written C decoder, all in the same run, then prints a table
 # with the ratios. Outputs of the hex -> bin conversions are compared with srec_cat's.
-# Usage: bench/formats.sh [BUILD_DIR]   (default: build-formats-bench; configured if new)
+# Usage: bench/formats.sh [BUILD_DIR]   (default: the build that `make` makes; configured if new)
 set -eu
 
 root=$(cd "$(dirname "$0")/.." && pwd)
-build=${1:-$root/build-formats-bench}
+build=${1:-${KRLDV_BUILD:-$root/build}}
 work=$(mktemp -d "${TMPDIR:-/tmp}/krldv-formats.XXXXXX")
 trap 'rm -rf "$work"' EXIT INT TERM
 size_mib=${KRLDV_BENCH_MIB:-64}
 runs=${KRLDV_BENCH_RUNS:-3}
 
-[ -f "$build/CMakeCache.txt" ] || cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DKRLDV_BUILD_GUI=OFF \
-    -DKRLDV_BUILD_TESTS=OFF -DKRLDV_BUILD_BENCH=ON >/dev/null
+# The same optimisation as the product (make's RelWithDebInfo): -O3 makes the hex decoder slower.
+[ -f "$build/CMakeCache.txt" ] || cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$build" -j2 --target krlfileio_convert >/dev/null
 cmake --build "$build" -j2 --target krldv >/dev/null 2>&1 || true
 cc -O2 -o "$work/ref_ihex2bin" "$root/bench/ref_ihex2bin.c"
