@@ -22,7 +22,8 @@ const char *KCCliConvertCommand::usage() const
            "\n"
            "Reads IN into a buffer that starts at address 0 and reaches the highest loaded\n"
            "address (or END); bytes no record defines hold the fill byte (default 0xFF).\n"
-           "Writes OUT from address 0 (or START) through the highest loaded address (or END).\n"
+           "Writes OUT from address 0 (or START) through the highest loaded address (or END);\n"
+           "Intel and Motorola output without --range keep the input's gaps as gaps.\n"
            "  NAME             bin, intel, motorola, ti, jedec, svf, stapl, otp\n"
            "                   (default: from the extension, then the content; OUT: by extension)\n"
            "  --line-ending    crlf (default) or lf for text formats\n"
@@ -95,6 +96,9 @@ int KCCliConvertCommand::run(const std::vector<std::string> &args)
     if (!loaded.bytesLoaded && !ranged)
         buf.resize(0, static_cast<uint8_t>(fill)); // nothing loaded: an empty image
     param->fileType = KCFormatNames::loadSaveType(to->name);
+    // A record format can leave gaps: without a range only what was loaded is written.
+    if (!ranged && (param->fileType == LS_INTELHEX || param->fileType == LS_MOTOROLA))
+        doc.saveOptions().segments = loaded.ranges;
     doc.saveOptions().crlf = lineEnding == "crlf";
     doc.saveOptions().bytesPerRecord = static_cast<unsigned>(recordBytes);
     if (!doc.OnSaveDocument(a.positional()[1].c_str()))

@@ -3,6 +3,7 @@
 #include "KCByteArray.h"
 #include "KCFileMessage.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -64,6 +65,24 @@ struct KCSaveOptions
     std::string header;            // Motorola S0 text, JEDEC header note
     bool hasEntryPoint = false;    // Intel 05 / Motorola S7-S9 execution start address
     uint32_t entryPoint = 0;
+    // Record formats: only these runs of data, as offsets [first, last] into data, ascending
+    // and apart; empty: all of data. Gaps then stay gaps instead of records of fill bytes.
+    std::vector<std::pair<uint64_t, uint64_t>> segments;
+
+    // The runs to write for `size` bytes of data: the segments inside it, or all of it.
+    std::vector<std::pair<uint64_t, uint64_t>> runs(uint64_t size) const
+    {
+        std::vector<std::pair<uint64_t, uint64_t>> r;
+        if (segments.empty()) {
+            if (size)
+                r.emplace_back(0, size - 1);
+            return r;
+        }
+        for (const auto &seg : segments)
+            if (seg.first <= seg.second && seg.first < size)
+                r.emplace_back(seg.first, std::min(seg.second, size - 1));
+        return r;
+    }
 };
 
 // Where a writer sends its output; the writer hands over large blocks.

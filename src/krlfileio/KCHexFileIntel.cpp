@@ -185,26 +185,30 @@ bool KCHexFileIntel::Save(KCOutputStream &out, const std::string &fileName, cons
     };
 
     uint64_t upper = 0;
-    uint64_t address = options.startAddress;
-    uint64_t pos = 0;
-    while (pos < size && !w.failed()) {
-        if ((address >> 16) != upper) {
-            upper = address >> 16;
-            const uint8_t ulba[2] = {uint8_t(upper >> 8), uint8_t(upper)};
-            shortRecord(ExtendedLinear, ulba, 2);
+    for (const auto &run : options.runs(size)) {
+        uint64_t pos = run.first;
+        const uint64_t end = run.second + 1;
+        uint64_t address = options.startAddress + pos;
+        while (pos < end && !w.failed()) {
+            if ((address >> 16) != upper) {
+                upper = address >> 16;
+                const uint8_t ulba[2] = {uint8_t(upper >> 8), uint8_t(upper)};
+                shortRecord(ExtendedLinear, ulba, 2);
+            }
+            const unsigned n = unsigned(std::min<uint64_t>({perRecord, end - pos, kSegmentSize - (address & 0xFFFF)}));
+            w.reserveRecord();
+            w.put(':');
+            w.hexByte(uint8_t(n));
+            w.hexByte(uint8_t(address >> 8));
+            w.hexByte(uint8_t(address));
+            w.hexByte(Data);
+            const unsigned sum =
+                n + unsigned((address >> 8) & 0xFF) + unsigned(address & 0xFF) + w.hexBytes(data + pos, n);
+            w.hexByte(uint8_t(0x100 - (sum & 0xFF)));
+            w.lineEnd();
+            pos += n;
+            address += n;
         }
-        const unsigned n = unsigned(std::min<uint64_t>({perRecord, size - pos, kSegmentSize - (address & 0xFFFF)}));
-        w.reserveRecord();
-        w.put(':');
-        w.hexByte(uint8_t(n));
-        w.hexByte(uint8_t(address >> 8));
-        w.hexByte(uint8_t(address));
-        w.hexByte(Data);
-        const unsigned sum = n + unsigned((address >> 8) & 0xFF) + unsigned(address & 0xFF) + w.hexBytes(data + pos, n);
-        w.hexByte(uint8_t(0x100 - (sum & 0xFF)));
-        w.lineEnd();
-        pos += n;
-        address += n;
     }
     if (options.hasEntryPoint) {
         const uint32_t e = options.entryPoint;

@@ -160,7 +160,8 @@ bool KCHexFileMotorola::Save(KCOutputStream &out, const std::string &fileName, c
         m_sink.message(KCFileMessage::Error, fileName, 0, "the data run beyond the 4 GiB address space");
         return false;
     }
-    const uint64_t highest = std::max<uint64_t>(size ? options.startAddress + size - 1 : 0,
+    const auto runs = options.runs(size);
+    const uint64_t highest = std::max<uint64_t>(runs.empty() ? 0 : options.startAddress + runs.back().second,
                                                 options.hasEntryPoint ? options.entryPoint : 0);
     const unsigned type = highest <= 0xFFFF ? 1 : highest <= 0xFFFFFF ? 2 : 3;
     const unsigned width = type + 1;
@@ -203,10 +204,12 @@ bool KCHexFileMotorola::Save(KCOutputStream &out, const std::string &fileName, c
     record(0, 2, 0, reinterpret_cast<const uint8_t *>(header.data()), headerLength);
 
     uint64_t records = 0;
-    for (uint64_t pos = 0; pos < size && !w.failed(); ++records) {
-        const unsigned n = unsigned(std::min<uint64_t>(perRecord, size - pos));
-        record(type, width, options.startAddress + pos, data + pos, n);
-        pos += n;
+    for (const auto &run : runs) {
+        for (uint64_t pos = run.first; pos <= run.second && !w.failed(); ++records) {
+            const unsigned n = unsigned(std::min<uint64_t>(perRecord, run.second + 1 - pos));
+            record(type, width, options.startAddress + pos, data + pos, n);
+            pos += n;
+        }
     }
     if (records <= kMaxS5Count)
         record(5, 2, records, nullptr, 0);
