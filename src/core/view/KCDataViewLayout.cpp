@@ -62,37 +62,30 @@ void KCDataViewLayout::addCell(TAG_X_LAYOUT cell)
     m_building.cells.push_back(std::move(cell));
 }
 
-void KCDataViewLayout::addHexCell(int x, int step, int flags)
+void KCDataViewLayout::addDataCell(int kind, int x, int width, int step, int flags)
 {
     TAG_X_LAYOUT c;
-    c.kind = XL_HEXBYTE;
+    c.kind = kind;
     c.x = x;
-    c.width = 2;
+    c.width = width;
     c.step = step;
     c.flags = flags;
     addCell(std::move(c));
+}
+
+void KCDataViewLayout::addHexCell(int x, int step, int flags)
+{
+    addDataCell(XL_HEXBYTE, x, 2, step, flags);
 }
 
 void KCDataViewLayout::addCharCell(int x, int step, int flags)
 {
-    TAG_X_LAYOUT c;
-    c.kind = XL_CHAR;
-    c.x = x;
-    c.width = 1;
-    c.step = step;
-    c.flags = flags;
-    addCell(std::move(c));
+    addDataCell(XL_CHAR, x, 1, step, flags);
 }
 
 void KCDataViewLayout::addBitCell(int x, int step, int flags)
 {
-    TAG_X_LAYOUT c;
-    c.kind = XL_BIT;
-    c.x = x;
-    c.width = 1;
-    c.step = step;
-    c.flags = flags;
-    addCell(std::move(c));
+    addDataCell(XL_BIT, x, 1, step, flags);
 }
 
 void KCDataViewLayout::addAddressCell(int x, int digits, int32_t displayOffset, bool decimal, float scale)

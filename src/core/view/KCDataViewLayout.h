@@ -97,6 +97,7 @@ public:
 
 private:
     void addCell(TAG_X_LAYOUT cell);
+    void addDataCell(int kind, int x, int width, int step, int flags);
     int64_t usableRows(int block, uint64_t limit) const;
     bool rowHasStop(int block, int64_t lineInBlock, uint64_t limit) const;
     bool nextUsableRow(int &block, int64_t &lineInBlock, int direction, uint64_t limit) const;
