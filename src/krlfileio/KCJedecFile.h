@@ -6,7 +6,7 @@
 // its number). The reader checks the fuse checksum and the transmission checksum and
 // fills the JEDEC fields of KCLoadResult; KCLoadOptions::rangeLength is the device's fuse
 // count, and a file declaring more fuses is rejected. The writer frames the map in
-// STX ... ETX; KCSaveOptions::header is the device name put into the design specification.
+// STX ... ETX; KCSaveOptions::header is the device name put into the header text.
 class KCJedecFile : public KCFileFormat
 {
 public:

@@ -100,7 +100,7 @@ bool KCJedecReader::parseFrame()
 
     const size_t star = find(m_d, m_fieldsBegin, m_fieldsEnd, '*');
     if (star == kNotFound) {
-        report(KCFileMessage::Error, m_fieldsBegin, "no '*' after the design specification");
+        report(KCFileMessage::Error, m_fieldsBegin, "no '*' after the header text");
         return false;
     }
     size_t p = star + 1;

@@ -120,7 +120,7 @@ TEST(KCJedecFile, MalformedFilesAreRejectedWithTheirLine)
         const char *part;
     };
     const Case cases[] = {
-        {kStx + "no star at all\r\nQF8", 1, "no '*' after the design specification"},
+        {kStx + "no star at all\r\nQF8", 1, "no '*' after the header text"},
         {"*\nL0 1*\nQF8*", 2, "L field before QF"},
         {"*\nQF8*\nF0*\nL0 10201*", 4, "not a fuse state"},
         {"*\nQF8*\nF0*\nL8 1*", 4, "not below QF8"},

@@ -5,33 +5,33 @@
 
 namespace {
 
-struct Spec {
+struct Conversion {
     bool leftAlign = false;
     bool zeroPad = false;
     int width = 0;
     char conversion = 0;
 };
 
-// Parses the spec after '%' at fmt[pos]; returns the index after the conversion character.
-size_t parseSpec(const std::string &fmt, size_t pos, Spec &spec)
+// Parses the conversion after '%' at fmt[pos]; returns the index after its last character.
+size_t parseConversion(const std::string &fmt, size_t pos, Conversion &conv)
 {
     while (pos < fmt.size() && (fmt[pos] == '-' || fmt[pos] == '0')) {
         if (fmt[pos] == '-')
-            spec.leftAlign = true;
+            conv.leftAlign = true;
         else
-            spec.zeroPad = true;
+            conv.zeroPad = true;
         ++pos;
     }
     while (pos < fmt.size() && std::isdigit(static_cast<unsigned char>(fmt[pos]))) {
-        spec.width = spec.width * 10 + (fmt[pos] - '0');
-        if (spec.width > 64)
-            spec.width = 64;
+        conv.width = conv.width * 10 + (fmt[pos] - '0');
+        if (conv.width > 64)
+            conv.width = 64;
         ++pos;
     }
     // Length modifiers carry no meaning here: every number is 64-bit.
     while (pos < fmt.size() && (fmt[pos] == 'l' || fmt[pos] == 'h'))
         ++pos;
-    spec.conversion = pos < fmt.size() ? fmt[pos] : 0;
+    conv.conversion = pos < fmt.size() ? fmt[pos] : 0;
     return pos < fmt.size() ? pos + 1 : pos;
 }
 
@@ -40,13 +40,13 @@ bool isConversion(char c)
     return c == 'd' || c == 'i' || c == 'u' || c == 'x' || c == 'X' || c == 'c' || c == 's';
 }
 
-std::string convert(const Spec &spec, const KCFormatArg *arg)
+std::string convert(const Conversion &conv, const KCFormatArg *arg)
 {
     std::string body;
     if (arg) {
         char buf[32];
         const int64_t n = arg->number();
-        switch (spec.conversion) {
+        switch (conv.conversion) {
         case 's':
             if (arg->isText())
                 body = arg->text();
@@ -69,7 +69,7 @@ std::string convert(const Spec &spec, const KCFormatArg *arg)
             break;
         case 'x':
         case 'X':
-            std::snprintf(buf, sizeof buf, spec.conversion == 'x' ? "%llx" : "%llX",
+            std::snprintf(buf, sizeof buf, conv.conversion == 'x' ? "%llx" : "%llX",
                           static_cast<unsigned long long>(n < 0 ? static_cast<uint32_t>(n)
                                                                 : static_cast<uint64_t>(n)));
             body = buf;
@@ -78,12 +78,12 @@ std::string convert(const Spec &spec, const KCFormatArg *arg)
             break;
         }
     }
-    if (static_cast<int>(body.size()) >= spec.width)
+    if (static_cast<int>(body.size()) >= conv.width)
         return body;
-    const size_t pad = static_cast<size_t>(spec.width) - body.size();
-    if (spec.leftAlign)
+    const size_t pad = static_cast<size_t>(conv.width) - body.size();
+    if (conv.leftAlign)
         return body + std::string(pad, ' ');
-    if (spec.zeroPad && spec.conversion != 's' && spec.conversion != 'c') {
+    if (conv.zeroPad && conv.conversion != 's' && conv.conversion != 'c') {
         if (!body.empty() && body[0] == '-')
             return "-" + std::string(pad, '0') + body.substr(1);
         return std::string(pad, '0') + body;
@@ -113,14 +113,14 @@ std::string KCFormat::format(const std::string &fmt, const std::vector<KCFormatA
             i += 2;
             continue;
         }
-        Spec spec;
-        const size_t end = parseSpec(fmt, i + 1, spec);
-        if (!isConversion(spec.conversion)) {
+        Conversion conv;
+        const size_t end = parseConversion(fmt, i + 1, conv);
+        if (!isConversion(conv.conversion)) {
             out.append(fmt, i, end - i);
             i = end;
             continue;
         }
-        out += convert(spec, next < args.size() ? &args[next] : nullptr);
+        out += convert(conv, next < args.size() ? &args[next] : nullptr);
         ++next;
         i = end;
     }
@@ -139,9 +139,9 @@ int KCFormat::argumentCount(const std::string &fmt)
             i += 2;
             continue;
         }
-        Spec spec;
-        i = parseSpec(fmt, i + 1, spec);
-        if (isConversion(spec.conversion))
+        Conversion conv;
+        i = parseConversion(fmt, i + 1, conv);
+        if (isConversion(conv.conversion))
             ++count;
     }
     return count;
