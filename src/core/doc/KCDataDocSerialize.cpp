@@ -15,6 +15,8 @@
 #include "KCUiAdrDataManager.h"
 
 #include <cerrno>
+#include <climits>
+#include <cstdlib>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -242,10 +244,18 @@ bool KCDataDoc::privateOpenDocument(const std::string &path)
     return ok;
 }
 
-bool KCDataDoc::privateSaveDocument(const std::string &path)
+bool KCDataDoc::privateSaveDocument(const std::string &requestedPath)
 {
-    if (path.empty())
+    if (requestedPath.empty())
         return false;
+    // Saving through a link replaces the file it points to, not the link.
+    std::string path = requestedPath;
+    if (char *real = ::realpath(requestedPath.c_str(), nullptr)) {
+        struct stat link;
+        if (::lstat(requestedPath.c_str(), &link) == 0 && S_ISLNK(link.st_mode))
+            path = real;
+        std::free(real);
+    }
     // Write beside the target and rename only a complete file over it.
     std::string temp = path + ".krldv-XXXXXX";
     const int fd = ::mkstemp(&temp[0]);

@@ -133,6 +133,15 @@ TEST(KCDataDocPipeline, SavesSafelyAndNeverDamagesTheOldFile)
 
     // No temporary files are left behind.
     EXPECT_EQ(std::system(("test $(ls '" + dir.path + "' | wc -l) -eq 3").c_str()), 0);
+
+    // Saving through a link writes the file it points to and keeps the link.
+    ASSERT_EQ(::symlink(dir.file("out.hex").c_str(), dir.file("link.hex").c_str()), 0);
+    doc.SetKPFFileFlag(0);
+    doc.mainBufferParam()->fileType = LS_BINARY;
+    ASSERT_TRUE(doc.OnSaveDocument(dir.file("link.hex").c_str()));
+    EXPECT_EQ(readFile(dir.file("out.hex")).substr(0, 4), "AB\xFFZ");
+    char target[256] = {};
+    EXPECT_GT(::readlink(dir.file("link.hex").c_str(), target, sizeof target - 1), 0);
 }
 
 TEST(KCDataDocPipeline, SaveModifiedAsksAndFollowsTheAnswer)
