@@ -16,24 +16,14 @@ const char *const kKeywords[] = {"ACTION", "BOOLEAN", "CALL", "CRC", "DATA", "DR
 
 } // namespace
 
-KCLoadResult KCStaplFile::Load(const KCInputFile &file, KCByteArray &target, const KCLoadOptions &options)
+bool KCStaplFile::check(const KCInputFile &file, const KCLoadOptions &options)
 {
-    // The file is stored as it is, like a binary image; the check only reports.
-    KCLoadOptions raw = options;
-    raw.fileOffset = 0;
-    KCLoadResult result = KCBinFile(m_sink).Load(file, target, raw);
-    if (!result.ok)
-        return result;
-    result.ok = KCStaplCheck(m_sink, file.name, file.data, file.size, options.ignoreChecksums).run();
-    return result;
+    return KCStaplCheck(m_sink, file.name, file.data, file.size, options.ignoreChecksums).run();
 }
 
 bool KCStaplFile::detect(const uint8_t *data, size_t size)
 {
-    KCDeviceText text(data, size);
-    size_t p = text.bomLength();
-    while (p < size && KCDeviceText::isSpace(data[p]))
-        ++p;
+    size_t p = firstSignificant(data, size);
     if (p >= size)
         return false;
     if (data[p] == '\'')

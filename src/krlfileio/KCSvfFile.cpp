@@ -13,24 +13,14 @@ const char *const kCommands[] = {"ENDDR", "ENDIR", "FREQUENCY", "HDR", "HIR", "P
 
 } // namespace
 
-KCLoadResult KCSvfFile::Load(const KCInputFile &file, KCByteArray &target, const KCLoadOptions &options)
+bool KCSvfFile::check(const KCInputFile &file, const KCLoadOptions &)
 {
-    // The file is stored as it is, like a binary image; the check only reports.
-    KCLoadOptions raw = options;
-    raw.fileOffset = 0;
-    KCLoadResult result = KCBinFile(m_sink).Load(file, target, raw);
-    if (!result.ok)
-        return result;
-    result.ok = KCSvfSyntaxCheck(m_sink, file.name, file.data, file.size, kMaxLineLength, kMaxMessages).run();
-    return result;
+    return KCSvfSyntaxCheck(m_sink, file.name, file.data, file.size, kMaxLineLength, kMaxMessages).run();
 }
 
 bool KCSvfFile::detect(const uint8_t *data, size_t size)
 {
-    KCDeviceText text(data, size);
-    size_t p = text.bomLength();
-    while (p < size && KCDeviceText::isSpace(data[p]))
-        ++p;
+    size_t p = firstSignificant(data, size);
     if (p >= size)
         return false;
     if (data[p] == '!' || (data[p] == '/' && p + 1 < size && data[p + 1] == '/'))

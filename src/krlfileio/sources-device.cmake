@@ -1,5 +1,6 @@
 list(APPEND KRLFILEIO_SOURCES
   KCBinFileOTP.cpp
+  KCCheckedTextImage.cpp
   KCDeviceText.cpp
   KCJedecChecksum.cpp
   KCJedecFile.cpp
