@@ -82,23 +82,17 @@ int KCCliConvertCommand::run(const std::vector<std::string> &args)
     if (!KCCliImageLoader::load(doc, in, a.value("from")))
         return CLI_INPUT_ERROR;
 
-    const KCLoadResult &loaded = doc.lastLoadResult();
-    const uint64_t highest = loaded.bytesLoaded ? loaded.highest : 0;
-    const uint64_t last = ranged ? end : highest;
-    cByteBuffer &buf = doc.AlgoParam().buffer(0);
-    if (last >= buf.size() && !buf.resize(last + 1, static_cast<uint8_t>(fill))) {
-        std::fprintf(stderr, "krldv: %s: not enough memory for the image\n", in.c_str());
-        return CLI_INPUT_ERROR;
+    // The image keeps its shape: without --range the whole extent is saved, and record
+    // formats write only the loaded ranges. A range past the data extends the image with fill.
+    if (ranged) {
+        cByteBuffer &buf = doc.AlgoParam().buffer(0);
+        if (end >= buf.size() && !buf.resize(end + 1, static_cast<uint8_t>(fill))) {
+            std::fprintf(stderr, "krldv: %s: not enough memory for the image\n", in.c_str());
+            return CLI_INPUT_ERROR;
+        }
+        doc.setSaveRange(KCAddressRange{start, end});
     }
-    TAG_BUFFER_PARAM *param = doc.mainBufferParam();
-    param->SBSA = static_cast<uint32_t>(ranged ? start : 0);
-    param->SBEA = static_cast<uint32_t>(last);
-    if (!loaded.bytesLoaded && !ranged)
-        buf.resize(0, static_cast<uint8_t>(fill)); // nothing loaded: an empty image
-    param->fileType = KCFormatNames::loadSaveType(to->name);
-    // A record format can leave gaps: without a range only what was loaded is written.
-    if (!ranged && (param->fileType == LS_INTELHEX || param->fileType == LS_MOTOROLA))
-        doc.saveOptions().segments = loaded.ranges;
+    doc.mainBufferParam()->fileType = KCFormatNames::loadSaveType(to->name);
     doc.saveOptions().crlf = lineEnding == "crlf";
     doc.saveOptions().bytesPerRecord = static_cast<unsigned>(recordBytes);
     if (!doc.OnSaveDocument(a.positional()[1].c_str()))

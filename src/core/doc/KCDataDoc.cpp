@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include <cstdlib>
+#include <cstring>
 #include <emmintrin.h>
 
 namespace {
@@ -76,6 +77,7 @@ KCDataDoc::KCDataDoc() : m_host(g_pMainProgDataExChange)
     main.kind = VIEWITEM_KIND_BUFFERVIEW;
     main.number = 0;
     m_viewItems.push_back(main);
+    defineWholeBuffer();
     InitSerialNumberDefault();
 }
 
@@ -90,6 +92,7 @@ bool KCDataDoc::OnNewDocument()
     if (!KCDocBase::OnNewDocument())
         return false;
     m_ownPathName.clear();
+    defineWholeBuffer();
     UpdateTitle();
     SetStandardAutoAction();
     return true;
@@ -111,9 +114,12 @@ void KCDataDoc::SetData(unsigned char value, uint32_t addr)
 {
     cByteBuffer &buf = m_algoParam->buffer(0);
     const unsigned char old = buf.GetAt(addr);
+    // Writing the fill value into a gap still makes that byte part of the image.
+    m_dataMap.add(addr, addr);
     if (old == value)
         return;
     buf.SetAt(addr, value);
+    m_changedMap.add(addr, addr);
     SetModifiedFlag(1);
     UpdateCheckSum(old, value, addr, -1);
 }
@@ -127,9 +133,10 @@ unsigned short KCDataDoc::GetDataWord(uint32_t wordIndex) const
 
 void KCDataDoc::SetDataWord(unsigned short value, uint32_t wordIndex)
 {
+    const uint64_t a = 2 * uint64_t(wordIndex);
+    m_dataMap.add(a, a + 1);
     if (GetDataWord(wordIndex) == value)
         return;
-    const uint64_t a = 2 * uint64_t(wordIndex);
     cByteBuffer &buf = m_algoParam->buffer(0);
     const unsigned char oldLow = buf.GetAt(a);
     const unsigned char oldHigh = buf.GetAt(a + 1);
@@ -137,9 +144,86 @@ void KCDataDoc::SetDataWord(unsigned short value, uint32_t wordIndex)
     const unsigned char high = static_cast<unsigned char>(value >> 8);
     buf.SetAt(a, low);
     buf.SetAt(a + 1, high);
+    m_changedMap.add(a, a + 1);
     SetModifiedFlag(1);
     UpdateCheckSum(oldLow, low, static_cast<unsigned long>(a), -1);
     UpdateCheckSum(oldHigh, high, static_cast<unsigned long>(a + 1), -1);
+}
+
+void KCDataDoc::defineWholeBuffer()
+{
+    m_dataMap.clear();
+    m_changedMap.clear();
+    if (GetBufferSize())
+        m_dataMap.add(0, GetBufferSize() - 1);
+}
+
+void KCDataDoc::noteWritten(uint64_t first, uint64_t last)
+{
+    m_dataMap.add(first, last);
+    m_changedMap.add(first, last);
+    SetModifiedFlag(1);
+    PrintCheckSum(-1);
+    UpdateAllViews(nullptr, DOCHINT_DATA);
+}
+
+void KCDataDoc::updateChecksumForWrite(uint64_t first, uint64_t last, const uint8_t *newBytes, uint8_t fill)
+{
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    if (!param)
+        return;
+    const uint64_t a = std::max<uint64_t>(first, param->checksumStart);
+    const uint64_t b = std::min<uint64_t>(last, param->checksumEnd);
+    if (a > b)
+        return;
+    const uint64_t n = b - a + 1;
+    const uint8_t *old = m_algoParam->buffer(0).data() + a;
+    if (param->checksumKind == CHECKSUM_KIND_FUSEMAP) {
+        // Each written byte adds its fuse weight when nonzero and takes it away when zero.
+        for (uint64_t i = 0; i < n; ++i) {
+            const uint8_t v = newBytes ? newBytes[a - first + i] : fill;
+            const uint32_t weight = 1u << ((a + i) & 7);
+            param->checksum += v ? weight : 0u - weight;
+        }
+        return;
+    }
+    const uint32_t added = newBytes ? cBufferSum::byteSum(newBytes + (a - first), n) : uint32_t(fill * n);
+    param->checksum += added - cBufferSum::byteSum(old, n);
+}
+
+bool KCDataDoc::WriteRange(uint64_t address, const uint8_t *bytes, uint64_t count)
+{
+    const uint64_t size = GetBufferSize();
+    if (count == 0 || address >= size || count > size - address)
+        return false;
+    const uint64_t last = address + count - 1;
+    updateChecksumForWrite(address, last, bytes, 0);
+    std::memmove(m_algoParam->buffer(0).data() + address, bytes, count);
+    noteWritten(address, last);
+    return true;
+}
+
+bool KCDataDoc::FillRange(uint64_t first, uint64_t last, uint8_t value)
+{
+    if (first > last || last >= GetBufferSize())
+        return false;
+    updateChecksumForWrite(first, last, nullptr, value);
+    m_algoParam->buffer(0).Fill(first, last, value);
+    noteWritten(first, last);
+    return true;
+}
+
+uint32_t KCDataDoc::checksumOf(uint64_t first, uint64_t last)
+{
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    if (!param)
+        return 0xFFFFFFFF;
+    const cByteBuffer &buf = m_algoParam->buffer(0);
+    if (first > last || last >= buf.size())
+        return 0;
+    const uint64_t count = last - first + 1;
+    return param->checksumKind == CHECKSUM_KIND_FUSEMAP ? cBufferSum::fuseSum(buf.data() + first, count, first)
+                                                        : cBufferSum::byteSum(buf.data() + first, count);
 }
 
 int KCDataDoc::FlipBytes(uint32_t from, uint32_t to)
@@ -162,6 +246,11 @@ void KCDataDoc::OnSwapbytes()
     // A byte sum does not change under a swap: the checksum stays as it is.
     if (size > 0)
         FlipBytes(0, static_cast<uint32_t>(size - 1));
+    // A pair with one byte of data now holds data in both halves.
+    for (const KCAddressRange &r : m_dataMap.ranges())
+        m_dataMap.add(r.first & ~uint64_t(1), std::min(r.second | 1, size - 1));
+    if (size > 0)
+        m_changedMap.add(0, size - 1);
     SetModifiedFlag(1);
     UpdateAllViews(nullptr, DOCHINT_ALL);
     m_host->EndWaitCursor();
@@ -195,8 +284,10 @@ int KCDataDoc::TF_GetMainBufferId() const
 
 unsigned long KCDataDoc::ComputeCheckSum(int view)
 {
+    // The selected view is the one whose checksum the status bar shows, whatever is asked.
+    (void)view;
     TAG_DATADOC_VIEWITEM item;
-    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, &item, nullptr, view);
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, &item, nullptr, -1);
     if (!param)
         return 0xFFFFFFFF;
     const cByteBuffer &buf = m_algoParam->buffer(0);
@@ -212,11 +303,14 @@ unsigned long KCDataDoc::ComputeCheckSum(int view)
         start = param->LBSA;
         end = param->LBEA;
     }
+    // The whole buffer's end is computed here, not given: 0xFFFFFFFF is then a real address.
+    bool endGiven = true;
     if (isUnsetAddress(start, size)) {
         start = 0;
-        end = static_cast<uint32_t>(size - 1);
+        end = static_cast<uint32_t>(std::min<uint64_t>(size - 1, 0xFFFFFFFFu));
+        endGiven = false;
     }
-    if (start >= size || end >= size || isUnsetAddress(end, size) || start > end) {
+    if (start >= size || end >= size || (endGiven && isUnsetAddress(end, size)) || start > end) {
         PrintCheckSumInvalid();
         return 0;
     }
@@ -325,6 +419,9 @@ uint32_t KCDataDoc::GetDeviceType() const
 void KCDataDoc::SetModifiedFlag(int modified)
 {
     const bool changed = (IsModified() != 0) != (modified != 0);
+    // Clean again: the buffer matches its file, nothing differs from it any more.
+    if (!modified)
+        m_changedMap.clear();
     KCDocBase::SetModifiedFlag(modified);
     if (changed)
         UpdateAllViews(nullptr, DOCHINT_MODIFIED_FLAG);

@@ -2,6 +2,7 @@
 
 #include "DEVICE_KRLXDEF_ITEM.h"
 #include "KCFileFormat.h"
+#include "KCDataMap.h"
 #include "KCDocBase.h"
 #include "KCFileTypes.h"
 #include "TAG_BUFFER_PARAM.h"
@@ -10,6 +11,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -106,8 +108,13 @@ public:
     // Writer settings (record length, line ends, header) and what the last load found.
     KCSaveOptions &saveOptions() { return m_saveOptions; }
     const KCLoadResult &lastLoadResult() const { return m_lastLoad; }
-    // The bytes a writer stores: the save range when it is set and inside the buffer, else all.
+    // The bytes a writer stores: the explicit save range when one is set, else the device's
+    // save range, else the whole buffer (after a load without a device: the image's extent);
+    // always cut to the buffer.
     void saveRange(uint64_t &first, uint64_t &count) const;
+    // A save range the user or a script gave; every address 0..0xFFFFFFFF is a valid bound.
+    void setSaveRange(std::optional<KCAddressRange> range) { m_saveRange = range; }
+    std::optional<KCAddressRange> explicitSaveRange() const { return m_saveRange; }
 
     // Data access; addresses are byte indices into buffer 0.
     unsigned char GetData(uint32_t addr) const;
@@ -119,6 +126,21 @@ public:
     int FlipBytes(uint32_t from, uint32_t to);
     void OnSwapbytes();
     uint64_t GetBufferSize() const { return m_algoParam->buffer(0).size(); }
+
+    // Which addresses hold data (loaded, typed, pasted, stamped) as opposed to fill, and which
+    // changed since the buffer last matched its file.
+    const KCDataMap &dataMap() const { return m_dataMap; }
+    const KCDataMap &changedMap() const { return m_changedMap; }
+    // Makes [0, size) the whole image: a new buffer, or a file that defines every byte.
+    void defineWholeBuffer();
+    // Range writes: every write path of more than a byte goes through these, so the checksum,
+    // the modified flag and both maps stay right. False (nothing changed) when the range does
+    // not lie inside the buffer.
+    bool WriteRange(uint64_t address, const uint8_t *bytes, uint64_t count);
+    bool FillRange(uint64_t first, uint64_t last, uint8_t value);
+    // Checksum of [first, last] with the kind of the selected view, without touching the
+    // stored checksum; 0xFFFFFFFF without a buffer view. The range must lie in the buffer.
+    uint32_t checksumOf(uint64_t first, uint64_t last);
 
     cAlgoParam &AlgoParam() { return *m_algoParam; }
     const cAlgoParam &AlgoParam() const { return *m_algoParam; }
@@ -194,9 +216,16 @@ private:
     std::string m_serialDefPath;
     bool m_serialValid = false;
     KCLoadResult m_lastLoad;
+    KCDataMap m_dataMap;
+    KCDataMap m_changedMap;
+    std::optional<KCAddressRange> m_saveRange;
 
-    void readWithFormat(KCArchive &ar, const char *formatName, unsigned descriptionId);
-    void writeWithFormat(KCArchive &ar, const char *formatName);
+    void noteWritten(uint64_t first, uint64_t last);
+    void updateChecksumForWrite(uint64_t first, uint64_t last, const uint8_t *newBytes, uint8_t fill);
+
+    friend class KCImagePipeline;
+    void readWithFormat(KCArchive &ar, LOADSAVE_FILETYPE type);
+    void writeWithFormat(KCArchive &ar, LOADSAVE_FILETYPE type);
     bool saveWithDialog();
     bool runFileDialog(CALLFROMMENUE origin, const TAG_BUFFER_PARAM &param, KCFileDialogRequest &request);
 };

@@ -6,6 +6,8 @@
 #include "KCFdOutputStream.h"
 #include "KCFileDialogCore.h"
 #include "KCFileFormatRegistry.h"
+#include "KCFileTypeTable.h"
+#include "KCImagePipeline.h"
 #include "KCFormat.h"
 #include "KCHostFileMessage.h"
 #include "KCHostStrings.h"
@@ -14,6 +16,7 @@
 #include "KCMessageMarks.h"
 #include "KCUiAdrDataManager.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -81,56 +84,22 @@ void KCDataDoc::Serialize(KCArchive &ar)
     }
 }
 
-void KCDataDoc::readWithFormat(KCArchive &ar, const char *formatName, unsigned descriptionId)
+void KCDataDoc::readWithFormat(KCArchive &ar, LOADSAVE_FILETYPE type)
 {
-    m_loadOk = 0;
-    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
-    const KCFileFormatInfo *info = KCFileFormatRegistry::byName(formatName);
-    if (!param || !info)
-        return;
-    const std::string &path = ar.GetFilePath();
-    m_host->ShowMessage(m_host->GetHostString(KCHostStrings::ReadingFile) + " : " + path + " ("
-                        + m_host->GetHostString(descriptionId) + ")");
-
-    KCLoadOptions options;
-    options.fill = m_host->GetFillByte();
-    const uint64_t size = GetBufferSize();
-    const bool rangeSet = !(static_cast<int32_t>(param->LBSA) < 0) && param->LBEA >= param->LBSA;
-    if (rangeSet) {
-        options.rangeStart = param->LBSA;
-        options.rangeLength = uint64_t(param->LBEA) - param->LBSA + 1;
-    }
-    // A device fixes the buffer's size; without one the buffer grows to hold the file.
-    options.grow = !HasDeviceX();
-    if (!options.grow && options.rangeLength > size)
-        options.rangeLength = size;
-
-    KCHostFileMessage sink(m_host);
-    std::unique_ptr<KCFileFormat> format = info->create(sink);
-    m_lastLoad = format->Load(ar.input(), m_algoParam->buffer(0), options);
-    if (!m_lastLoad.ok) {
-        m_host->ShowMessage(mark(KCMessageMarks::Error) + m_host->GetHostString(KCHostStrings::ReadFailed) + " : "
-                            + path);
-        return;
-    }
-    m_host->ShowMessage(m_host->GetHostString(KCHostStrings::ReadOk) + " : " + path);
-    m_loadOk = 1;
+    if (const KCFileTypeRow *row = KCFileTypeTable::row(type))
+        KCImagePipeline(*this).read(ar, *row);
+    else
+        m_loadOk = 0;
 }
 
-void KCDataDoc::ReadBinFile(KCArchive &ar) { readWithFormat(ar, "bin", KCHostStrings::FileTypeBinary); }
-void KCDataDoc::ReadHexFileIntel(KCArchive &ar) { readWithFormat(ar, "intel", KCHostStrings::FileTypeIntel); }
-void KCDataDoc::ReadHexFileMotorola(KCArchive &ar) { readWithFormat(ar, "motorola", KCHostStrings::FileTypeMotorola); }
-void KCDataDoc::ReadHexFileTI(KCArchive &ar) { readWithFormat(ar, "ti", KCHostStrings::FileTypeTi); }
-void KCDataDoc::ReadJedFile(KCArchive &ar)
-{
-    readWithFormat(ar, "jedec", KCHostStrings::FileTypeJedec);
-    // A fuse map defines every fuse of its device: without a device the buffer is the map.
-    if (m_loadOk && !HasDeviceX() && m_lastLoad.fuseCount)
-        m_algoParam->buffer(0).resize(m_lastLoad.fuseCount, m_host->GetFillByte());
-}
-void KCDataDoc::ReadSVFile(KCArchive &ar) { readWithFormat(ar, "svf", KCHostStrings::FileTypeSvf); }
-void KCDataDoc::ReadBinFileOTP(KCArchive &ar) { readWithFormat(ar, "otp", KCHostStrings::FileTypeBinary); }
-void KCDataDoc::ReadSTPFile(KCArchive &ar) { readWithFormat(ar, "stapl", KCHostStrings::FileTypeBinary); }
+void KCDataDoc::ReadBinFile(KCArchive &ar) { readWithFormat(ar, LS_BINARY); }
+void KCDataDoc::ReadHexFileIntel(KCArchive &ar) { readWithFormat(ar, LS_INTELHEX); }
+void KCDataDoc::ReadHexFileMotorola(KCArchive &ar) { readWithFormat(ar, LS_MOTOROLA); }
+void KCDataDoc::ReadHexFileTI(KCArchive &ar) { readWithFormat(ar, LS_TIHEX); }
+void KCDataDoc::ReadJedFile(KCArchive &ar) { readWithFormat(ar, LS_JEDEC); }
+void KCDataDoc::ReadSVFile(KCArchive &ar) { readWithFormat(ar, LS_SVF); }
+void KCDataDoc::ReadBinFileOTP(KCArchive &ar) { readWithFormat(ar, LS_HOLTEK_OTP); }
+void KCDataDoc::ReadSTPFile(KCArchive &ar) { readWithFormat(ar, LS_STAPL); }
 
 void KCDataDoc::ReadKpfFile(KCArchive &ar)
 {
@@ -146,34 +115,30 @@ void KCDataDoc::saveRange(uint64_t &first, uint64_t &count) const
     const uint64_t size = GetBufferSize();
     first = 0;
     count = size;
-    if (!(static_cast<int32_t>(param->SBSA) < 0) && param->SBSA <= param->SBEA && param->SBEA < size) {
+    if (m_saveRange) {
+        first = std::min(m_saveRange->first, size);
+        count = m_saveRange->first >= size ? 0 : std::min(m_saveRange->second, size - 1) - first + 1;
+        return;
+    }
+    // The device's save range; its "not set" is the negative value of the 32-bit fields.
+    if (HasDeviceX() && !(static_cast<int32_t>(param->SBSA) < 0) && param->SBSA <= param->SBEA && param->SBEA < size) {
         first = param->SBSA;
         count = uint64_t(param->SBEA) - param->SBSA + 1;
     }
 }
 
-void KCDataDoc::writeWithFormat(KCArchive &ar, const char *formatName)
+void KCDataDoc::writeWithFormat(KCArchive &ar, LOADSAVE_FILETYPE type)
 {
-    m_loadOk = 0;
-    const KCFileFormatInfo *info = KCFileFormatRegistry::byName(formatName);
-    if (!info)
-        return;
-    uint64_t first = 0, count = 0;
-    saveRange(first, count);
-    KCSaveOptions options = m_saveOptions;
-    options.startAddress = first;
-    KCHostFileMessage sink(m_host);
-    std::unique_ptr<KCFileFormat> format = info->create(sink);
-    ar.setWritten();
-    if (!format->Save(ar.output(), ar.GetFilePath(), m_algoParam->buffer(0).data() + first, count, options))
-        return;
-    m_loadOk = 1;
+    if (const KCFileTypeRow *row = KCFileTypeTable::row(type))
+        KCImagePipeline(*this).write(ar, *row);
+    else
+        m_loadOk = 0;
 }
 
-void KCDataDoc::WriteBinFile(KCArchive &ar) { writeWithFormat(ar, "bin"); }
-void KCDataDoc::WriteHexFileIntel(KCArchive &ar) { writeWithFormat(ar, "intel"); }
-void KCDataDoc::WriteHexFileMotorola(KCArchive &ar) { writeWithFormat(ar, "motorola"); }
-void KCDataDoc::WriteJedFile(KCArchive &ar) { writeWithFormat(ar, "jedec"); }
+void KCDataDoc::WriteBinFile(KCArchive &ar) { writeWithFormat(ar, LS_BINARY); }
+void KCDataDoc::WriteHexFileIntel(KCArchive &ar) { writeWithFormat(ar, LS_INTELHEX); }
+void KCDataDoc::WriteHexFileMotorola(KCArchive &ar) { writeWithFormat(ar, LS_MOTOROLA); }
+void KCDataDoc::WriteJedFile(KCArchive &ar) { writeWithFormat(ar, LS_JEDEC); }
 
 void KCDataDoc::WriteKpfFile(KCArchive &ar)
 {
@@ -298,6 +263,8 @@ bool KCDataDoc::privateSaveDocument(const std::string &requestedPath)
         return false;
     }
     m_host->ShowMessage("Writing " + path + " OK.");
+    if (!ar.summary().empty())
+        m_host->ShowMessage(ar.summary());
     SetModifiedFlag(0);
     return true;
 }

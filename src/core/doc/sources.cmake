@@ -2,7 +2,9 @@ list(APPEND KRLDV_CORE_SOURCES
   doc/KCDataDoc.cpp
   doc/KCDataDocSerial.cpp
   doc/KCDataDocSerialize.cpp
+  doc/KCDataMap.cpp
   doc/KCDocBase.cpp
+  doc/KCImagePipeline.cpp
   doc/KCUiAdrDataManager.cpp
   doc/cAlgoParam.cpp
   doc/cBufferSum.cpp

@@ -24,6 +24,9 @@ public:
     // Set by a store whose file type has no writer.
     void setNoWriter() { m_noWriter = true; }
     bool noWriter() const { return m_noWriter; }
+    // What a writer stored (format, ranges, bytes), told to the user once the file is in place.
+    void setSummary(const std::string &text) { m_summary = text; }
+    const std::string &summary() const { return m_summary; }
 
 private:
     std::string m_path;
@@ -32,4 +35,5 @@ private:
     bool m_storing = false;
     bool m_written = false;
     bool m_noWriter = false;
+    std::string m_summary;
 };

@@ -1,5 +1,6 @@
 #include "KCFileDialogCore.h"
 
+#include "KCFileTypeTable.h"
 #include "KCHostStrings.h"
 #include "KCMainProgDataExChange.h"
 
@@ -65,14 +66,12 @@ const std::vector<std::string> &KCFileDialogCore::extensionTable()
 
 const std::vector<std::string> &KCFileDialogCore::descriptionTable()
 {
-    static const std::vector<std::string> table = {
-        hostString(KCHostStrings::FileTypeBinary),   hostString(KCHostStrings::FileTypeIntel),
-        hostString(KCHostStrings::FileTypeMotorola), hostString(KCHostStrings::FileTypeTi),
-        hostString(KCHostStrings::FileTypeJedec),    hostString(KCHostStrings::FileTypeSvf),
-        "Holtek OTP-File",                           "Korel Project File 2",
-        "KRL-Def File",                              "Korel Serial File",
-        "Korel Handler Job File",                    "STAPL File",
-    };
+    static const std::vector<std::string> table = [] {
+        std::vector<std::string> t;
+        for (const KCFileTypeRow &row : KCFileTypeTable::rows())
+            t.push_back(KCFileTypeTable::description(row));
+        return t;
+    }();
     return table;
 }
 

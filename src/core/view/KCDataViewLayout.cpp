@@ -178,7 +178,7 @@ int KCDataViewLayout::findBlock(LAYOUT_LIST list, int64_t line) const
 
 void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *data, uint64_t size,
                                  int64_t markLow, int64_t markHigh, TAG_VIEW_ROW &row,
-                                 const std::set<int64_t> *modified) const
+                                 const KCDataMap *modified) const
 {
     row.text.assign(static_cast<size_t>(m_widestRow), ' ');
     row.state.assign(static_cast<size_t>(m_widestRow), VCS_EMPTY);
@@ -193,8 +193,7 @@ void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *
     uint8_t *state = row.state.data();
     // One search per row; cells look up their own address only when the row holds a modified byte.
     if (modified && !blk.isText()) {
-        const auto it = modified->lower_bound(rowAddr);
-        if (it == modified->end() || *it >= rowAddr + blk.bytesPerRow)
+        if (rowAddr < 0 || modified->rangesIn(uint64_t(rowAddr), uint64_t(rowAddr) + blk.bytesPerRow - 1).empty())
             modified = nullptr;
     }
 
@@ -225,7 +224,7 @@ void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *
             if (addr >= markLow && addr <= markHigh)
                 cellState = VCS_MARKED;
             else
-                cellState = modified && modified->count(addr) ? VCS_MODIFIED : VCS_DATA;
+                cellState = modified && modified->contains(uint64_t(addr)) ? VCS_MODIFIED : VCS_DATA;
             break;
         }
         case XL_ADDRESS_HEX:

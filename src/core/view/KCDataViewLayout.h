@@ -1,5 +1,7 @@
 #pragma once
 
+#include "KCDataMap.h"
+
 #include "TAG_VIEW_BUFFER_LAYOUT_ITEM.h"
 #include "TAG_VIEW_POSITION.h"
 #include "TAG_VIEW_ROW.h"
@@ -54,7 +56,7 @@ public:
     // Fills `row` with the texts and states of `line`; bytes come from data[0..size).
     // Addresses in `modified` are shown as modified unless they are marked.
     void renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *data, uint64_t size, int64_t markLow,
-                   int64_t markHigh, TAG_VIEW_ROW &row, const std::set<int64_t> *modified = nullptr) const;
+                   int64_t markHigh, TAG_VIEW_ROW &row, const KCDataMap *modified = nullptr) const;
 
     void setTextMetrics(int charWidth, int linePitch);
     int charWidth() const { return m_charWidth; }

@@ -61,6 +61,16 @@ uint64_t KCDataViewModel::bufferLimit() const
     return m_doc ? m_doc->GetBufferSize() : 0;
 }
 
+bool KCDataViewModel::isByteModified(int64_t address) const
+{
+    return m_doc && address >= 0 && m_doc->changedMap().contains(uint64_t(address));
+}
+
+uint64_t KCDataViewModel::modifiedByteCount() const
+{
+    return m_doc ? m_doc->changedMap().countIn(0, UINT64_MAX) : 0;
+}
+
 void KCDataViewModel::notify(unsigned changes)
 {
     if (m_listener && changes)
@@ -71,12 +81,7 @@ void KCDataViewModel::OnUpdate(KCDocView *, long hint)
 {
     if (hint == DOCHINT_MODIFIED_FLAG) {
         // Saved: the buffer matches its file again.
-        unsigned changes = KCDataViewListener::ChangedModified;
-        if (m_doc && !m_doc->IsModified() && !m_modifiedBytes.empty()) {
-            m_modifiedBytes.clear();
-            changes |= KCDataViewListener::ChangedRows;
-        }
-        notify(changes);
+        notify(KCDataViewListener::ChangedModified | KCDataViewListener::ChangedRows);
         return;
     }
     if (hint == DOCHINT_DATA) {
@@ -84,7 +89,6 @@ void KCDataViewModel::OnUpdate(KCDocView *, long hint)
         return;
     }
     // Anything else may have replaced the buffer: follow its size.
-    m_modifiedBytes.clear();
     if (m_doc)
         m_layouts.resizeStandardLayouts(m_doc->GetBufferSize());
     layoutsChanged();
@@ -355,7 +359,7 @@ void KCDataViewModel::renderScreenLine(int screenLine, TAG_VIEW_ROW &row) const
     l->markRange(low, high);
     const cByteBuffer *buf = m_doc ? &m_doc->AlgoParam().buffer(0) : nullptr;
     l->renderRow(list, line, buf ? buf->data() : nullptr, buf ? buf->size() : 0, low, high, row,
-                 m_modifiedBytes.empty() ? nullptr : &m_modifiedBytes);
+                 m_doc && !m_doc->changedMap().isEmpty() ? &m_doc->changedMap() : nullptr);
 }
 
 bool KCDataViewModel::isCaretShown() const
@@ -574,8 +578,6 @@ bool KCDataViewModel::OnChar(unsigned ch)
     default:
         return false;
     }
-    if (value != old)
-        m_modifiedBytes.insert(c.address);
     m_doc->SetData(value, addr);
     m_doc->UpdateAllViews(this, DOCHINT_DATA);
     notify(KCDataViewListener::ChangedRows);

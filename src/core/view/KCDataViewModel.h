@@ -136,9 +136,10 @@ public:
     void dropMark();
     uint64_t bufferLimit() const;
 
-    // Bytes typed here since the buffer was loaded, replaced or saved.
-    bool isByteModified(int64_t address) const { return m_modifiedBytes.count(address) != 0; }
-    size_t modifiedByteCount() const { return m_modifiedBytes.size(); }
+    // Bytes changed since the buffer was loaded, replaced or saved (typed here or written by
+    // any other path of the document).
+    bool isByteModified(int64_t address) const;
+    uint64_t modifiedByteCount() const;
 
 private:
     void notify(unsigned changes);
@@ -170,5 +171,4 @@ private:
     ScrollSteps m_steps;
     bool m_focus = false;
     bool m_insertMode = false;
-    std::set<int64_t> m_modifiedBytes;
 };

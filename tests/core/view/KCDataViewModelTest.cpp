@@ -85,6 +85,7 @@ TEST_F(DataView, WordViewShowsHighByteFirstAndEditsIt)
 {
     doc->SetData(0x34, 0);
     doc->SetData(0x12, 1);
+    doc->SetModifiedFlag(0);
     ASSERT_EQ(view->SetBufferLayoutView(LAYOUT_WORDVIEW), 1);
     TAG_VIEW_ROW row;
     view->renderScreenLine(ByteTopLines, row);
@@ -342,6 +343,10 @@ TEST_F(DataView, TypedBytesShowAsModifiedUntilSavedOrReplaced)
     EXPECT_EQ(view->modifiedByteCount(), 0u);
     type("1");
     EXPECT_EQ(view->modifiedByteCount(), 1u);
-    doc->UpdateAllViews(nullptr, DOCHINT_ALL);
-    EXPECT_EQ(view->modifiedByteCount(), 0u);
+    // Bytes the document writes by other paths show too.
+    const uint8_t block[3] = {1, 2, 3};
+    ASSERT_TRUE(doc->WriteRange(0x20, block, sizeof block));
+    ASSERT_TRUE(doc->FillRange(0x40, 0x41, 0x00));
+    EXPECT_EQ(view->modifiedByteCount(), 6u);
+    EXPECT_TRUE(view->isByteModified(0x41));
 }

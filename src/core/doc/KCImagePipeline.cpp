@@ -1,0 +1,153 @@
+#include "KCImagePipeline.h"
+
+#include "KCArchive.h"
+#include "KCDataDoc.h"
+#include "KCFileDialogCore.h"
+#include "KCFileFormatRegistry.h"
+#include "KCHostFileMessage.h"
+#include "KCHostStrings.h"
+#include "KCMainProgDataExChange.h"
+#include "KCMessageMarks.h"
+
+#include <cinttypes>
+#include <cstdio>
+
+namespace {
+
+std::string hex32(uint64_t value)
+{
+    char text[24];
+    std::snprintf(text, sizeof text, "0x%08" PRIX64, value);
+    return text;
+}
+
+std::string baseName(const std::string &path)
+{
+    const size_t sep = path.find_last_of('/');
+    return sep == std::string::npos ? path : path.substr(sep + 1);
+}
+
+} // namespace
+
+std::string KCImagePipeline::describeRanges(const std::vector<KCAddressRange> &ranges, size_t limit)
+{
+    std::string text;
+    for (size_t i = 0; i < ranges.size() && i < limit; ++i) {
+        text += i ? ", " : "";
+        text += hex32(ranges[i].first) + "-" + hex32(ranges[i].second);
+    }
+    if (ranges.size() > limit)
+        text += " and " + std::to_string(ranges.size() - limit) + " more ranges";
+    return text.empty() ? "no data" : text;
+}
+
+void KCImagePipeline::read(KCArchive &ar, const KCFileTypeRow &row)
+{
+    KCDataDoc &doc = m_doc;
+    KCMainProgDataExChange *host = doc.host();
+    doc.m_loadOk = 0;
+    TAG_BUFFER_PARAM *param = doc.TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    const KCFileFormatInfo *info = row.formatName ? KCFileFormatRegistry::byName(row.formatName) : nullptr;
+    if (!param || !info)
+        return;
+    const std::string &path = ar.GetFilePath();
+    host->ShowMessage(host->GetHostString(KCHostStrings::ReadingFile) + " : " + path + " ("
+                      + KCFileTypeTable::description(row) + ")");
+
+    cByteBuffer &buffer = doc.m_algoParam->buffer(0);
+    KCLoadOptions options;
+    options.fill = host->GetFillByte();
+    const bool rangeSet = !(static_cast<int32_t>(param->LBSA) < 0) && param->LBEA >= param->LBSA;
+    if (rangeSet) {
+        options.rangeStart = param->LBSA;
+        options.rangeLength = uint64_t(param->LBEA) - param->LBSA + 1;
+    }
+    // A device fixes the buffer's size. Without one the image is what the file defines: the
+    // buffer starts empty and grows to the highest loaded address, whatever size it had.
+    const bool deviceFixed = doc.HasDeviceX() != 0;
+    options.grow = !deviceFixed;
+    if (!deviceFixed)
+        buffer.resize(0, options.fill);
+    else if (options.rangeLength > buffer.size())
+        options.rangeLength = buffer.size();
+
+    KCHostFileMessage sink(host);
+    std::unique_ptr<KCFileFormat> format = info->create(sink);
+    doc.m_lastLoad = format->Load(ar.input(), buffer, options);
+
+    // The file's ranges are file addresses; the map holds buffer addresses.
+    doc.m_dataMap.clear();
+    doc.m_changedMap.clear();
+    const uint64_t size = buffer.size();
+    for (const KCAddressRange &r : doc.m_lastLoad.ranges) {
+        if (r.second < options.rangeStart || r.first - options.rangeStart >= size)
+            continue;
+        const uint64_t first = r.first < options.rangeStart ? 0 : r.first - options.rangeStart;
+        doc.m_dataMap.add(first, std::min(r.second - options.rangeStart, size - 1));
+    }
+    doc.m_saveRange.reset();
+    if (!doc.m_lastLoad.ok) {
+        host->ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + host->GetHostString(KCHostStrings::ReadFailed)
+                          + " : " + path);
+        return;
+    }
+    if (row.postLoad == POSTLOAD_FUSE_MAP && !deviceFixed && doc.m_lastLoad.fuseCount) {
+        buffer.resize(doc.m_lastLoad.fuseCount, options.fill);
+        doc.defineWholeBuffer();
+    }
+    host->ShowMessage(host->GetHostString(KCHostStrings::ReadOk) + " : " + path);
+    doc.m_loadOk = 1;
+}
+
+void KCImagePipeline::write(KCArchive &ar, const KCFileTypeRow &row)
+{
+    KCDataDoc &doc = m_doc;
+    KCMainProgDataExChange *host = doc.host();
+    doc.m_loadOk = 0;
+    const KCFileFormatInfo *info = row.formatName ? KCFileFormatRegistry::byName(row.formatName) : nullptr;
+    if (!info)
+        return;
+    uint64_t first = 0, count = 0;
+    doc.saveRange(first, count);
+    const uint64_t last = count ? first + count - 1 : first;
+
+    KCSaveOptions options = doc.m_saveOptions;
+    options.startAddress = first;
+    options.segments.clear();
+    // What the file will hold, as buffer addresses.
+    std::vector<KCAddressRange> stored;
+    const std::vector<KCAddressRange> defined = count ? doc.m_dataMap.rangesIn(first, last) : stored;
+    if (row.type == LS_INTELHEX || row.type == LS_MOTOROLA) {
+        for (const KCAddressRange &r : defined)
+            options.segments.emplace_back(r.first - first, r.second - first);
+        stored = defined;
+        if (defined.empty())
+            count = 0; // nothing defined in the range: a file without data records
+    } else if (count) {
+        stored.emplace_back(first, last);
+    }
+
+    const std::string &path = ar.GetFilePath();
+    if (row.type == LS_BINARY && !defined.empty() && defined.front().first - first > LeadingFillWarning)
+        host->ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Warning) + path + " : "
+                          + std::to_string(defined.front().first - first) + " bytes of fill come before the first "
+                          + "data at " + hex32(defined.front().first) + "; start the save range at "
+                          + hex32(defined.front().first) + " to leave them out");
+
+    KCHostFileMessage sink(host);
+    std::unique_ptr<KCFileFormat> format = info->create(sink);
+    ar.setWritten();
+    if (!format->Save(ar.output(), path, doc.m_algoParam->buffer(0).data() + first, count, options))
+        return;
+
+    uint64_t bytes = 0;
+    for (const KCAddressRange &r : stored)
+        bytes += r.second - r.first + 1;
+    std::string summary = "Wrote " + baseName(path) + " as " + KCFileTypeTable::description(row) + ": "
+                          + describeRanges(stored) + " (" + std::to_string(bytes) + " bytes)";
+    const std::string extension = KCFileDialogCore::extensionOf(path);
+    if (!KCFileTypeTable::isFamilyExtension(row, extension))
+        summary += "; " + baseName(path) + " written as " + KCFileTypeTable::description(row);
+    ar.setSummary(summary);
+    doc.m_loadOk = 1;
+}

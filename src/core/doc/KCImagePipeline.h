@@ -1,0 +1,35 @@
+#pragma once
+
+#include "KCDataMap.h"
+#include "KCFileTypeTable.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+class KCArchive;
+class KCDataDoc;
+
+// Moves an image between a file and the document's buffer 0 through the format library,
+// so that the image keeps its shape: a load without a device makes the buffer exactly as
+// large as the data needs and records which addresses the file defined; a save writes the
+// save range, and record formats write only the defined ranges inside it, gaps staying gaps.
+class KCImagePipeline
+{
+public:
+    explicit KCImagePipeline(KCDataDoc &doc) : m_doc(doc) {}
+
+    // The reader of `row` into buffer 0; sets the document's load-ok flag and last load.
+    void read(KCArchive &ar, const KCFileTypeRow &row);
+    // The writer of `row`; sets the load-ok flag and leaves a summary in the archive.
+    void write(KCArchive &ar, const KCFileTypeRow &row);
+
+    // "0x00000000-0x000003FF, 0x00004000-0x000042FF", at most `limit` ranges spelled out.
+    static std::string describeRanges(const std::vector<KCAddressRange> &ranges, size_t limit = 8);
+
+    // Fill ahead of the first data byte of a binary output above which the user is warned.
+    static constexpr uint64_t LeadingFillWarning = uint64_t(1) << 20;
+
+private:
+    KCDataDoc &m_doc;
+};
