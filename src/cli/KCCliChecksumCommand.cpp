@@ -14,7 +14,9 @@ const char *KCCliChecksumCommand::usage() const
 {
     return "usage: krldv checksum FILE [--format NAME] [--kind byte|fuse] [--range START:END]\n"
            "\n"
-           "Loads FILE into a buffer and prints its checksum as 0xXXXXXXXX.\n"
+           "Loads FILE into a buffer and prints its checksum as 0xXXXXXXXX, followed by what it\n"
+           "covers: by default the image's extent, address 0 to the highest loaded address,\n"
+           "gaps counted as fill bytes (0xFF), the figure the application's status bar shows.\n"
            "  --format NAME  bin, intel, motorola, ti, jedec, svf, stapl, otp\n"
            "                 (default: from the extension, then the content)\n"
            "  --kind byte    sum of all bytes modulo 2^32 (default)\n"
@@ -57,24 +59,32 @@ int KCCliChecksumCommand::run(const std::vector<std::string> &args)
     doc.AddView(&view);
     doc.viewItems()[0].view = &view;
     TAG_BUFFER_PARAM *param = doc.mainBufferParam();
+    const uint64_t size = doc.GetBufferSize();
+    uint32_t sum = 0;
     if (ranged) {
-        param->LBSA = static_cast<uint32_t>(start);
-        param->LBEA = static_cast<uint32_t>(end);
-        if (end >= doc.GetBufferSize()) {
+        if (end >= size) {
             std::fprintf(stderr, "krldv: %s: range 0x%llX:0x%llX reaches beyond the data (%llu bytes)\n",
                          path.c_str(), static_cast<unsigned long long>(start), static_cast<unsigned long long>(end),
-                         static_cast<unsigned long long>(doc.GetBufferSize()));
+                         static_cast<unsigned long long>(size));
             return CLI_INPUT_ERROR;
         }
+        param->checksumKind = kind == "fuse" ? CHECKSUM_KIND_FUSEMAP : CHECKSUM_KIND_BYTESUM;
+        sum = doc.checksumOf(start, end);
     } else {
-        param->LBSA = param->LBEA = 0xFFFFFFFF;
-        if (doc.GetBufferSize() > 0x100000000ull) {
+        // The same figure the application's status bar shows for this file: the whole extent.
+        if (size > 0x100000000ull) {
             std::fprintf(stderr, "krldv: %s: larger than 4 GiB; give --range\n", path.c_str());
             return CLI_INPUT_ERROR;
         }
+        sum = static_cast<uint32_t>(doc.ComputeCheckSum(-1));
+        start = param->checksumStart;
+        end = size ? param->checksumEnd : 0;
     }
-    const unsigned long sum = doc.ComputeCheckSum(-1);
-    std::printf("0x%08lX\n", sum);
+    if (size == 0)
+        std::printf("0x%08X  (no data)\n", sum);
+    else
+        std::printf("0x%08X  %s 0x%08llX-0x%08llX, gaps as 0x%02X\n", sum, kind == "fuse" ? "fuse sum" : "byte sum",
+                    static_cast<unsigned long long>(start), static_cast<unsigned long long>(end), host.GetFillByte());
     doc.viewItems()[0].view = nullptr;
     return CLI_OK;
 }

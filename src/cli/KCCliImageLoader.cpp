@@ -71,5 +71,7 @@ bool KCCliImageLoader::load(KCDataDoc &doc, const std::string &path, const std::
     TAG_BUFFER_PARAM *param = doc.mainBufferParam();
     param->fileType = KCFormatNames::loadSaveType(c.chosen->name);
     param->LBSA = param->LBEA = 0xFFFFFFFF;
+    // The command line needs the flat image only for binary output: memory follows the data.
+    doc.setSparse(true);
     return doc.OnOpenDocument(path.c_str());
 }

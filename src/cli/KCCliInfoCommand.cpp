@@ -26,8 +26,10 @@ const char *KCCliInfoCommand::usage() const
     return "usage: krldv info FILE [--format NAME]\n"
            "\n"
            "Shows the format found (and whether the extension and the content agree), the\n"
-           "records, the address ranges, the bytes loaded and their byte sum; for a JEDEC\n"
-           "file the fuse count and both checksums, stated and computed.\n"
+           "records, the address ranges, the bytes loaded and their sum, and the buffer\n"
+           "checksum over the image's extent (address 0 to the highest loaded address, gaps\n"
+           "counted as fill bytes) as the checksum command gives it; for a JEDEC file the\n"
+           "fuse count and both checksums, stated and computed.\n"
            "  --format NAME  bin, intel, motorola, ti, jedec, svf, stapl, otp\n";
 }
 
@@ -79,7 +81,13 @@ int KCCliInfoCommand::run(const std::vector<std::string> &args)
     }
     if (r.ranges.size() > MaxListedRanges)
         std::printf("  ... %zu more\n", r.ranges.size() - MaxListedRanges);
-    std::printf("byte sum:      0x%08X\n", sum);
+    std::printf("sum of loaded bytes: 0x%08X\n", sum);
+    // The figure the checksum command and the application's status bar give for this file.
+    if (size > 0 && size <= 0x100000000ull) {
+        const uint32_t whole = static_cast<uint32_t>(doc.ComputeCheckSum(-1));
+        std::printf("buffer checksum 0x%08llX-0x%08llX (gaps as 0x%02X): 0x%08X\n", ull(0), ull(size - 1),
+                    host.GetFillByte(), whole);
+    }
     if (r.hasStartAddress)
         std::printf("start address: 0x%08llX\n", ull(r.startAddress));
     if (r.skipped)

@@ -113,7 +113,9 @@ unsigned char KCDataDoc::GetData(uint32_t addr) const
 void KCDataDoc::SetData(unsigned char value, uint32_t addr)
 {
     cByteBuffer &buf = m_algoParam->buffer(0);
-    const unsigned char old = buf.GetAt(addr);
+    const unsigned char old = m_gapsUnfilled && !m_dataMap.contains(addr) ? fillByte() : buf.GetAt(addr);
+    if (m_gapsUnfilled && old != buf.GetAt(addr))
+        buf.SetAt(addr, old);
     // Writing the fill value into a gap still makes that byte part of the image.
     m_dataMap.add(addr, addr);
     if (old == value)
@@ -177,7 +179,6 @@ void KCDataDoc::updateChecksumForWrite(uint64_t first, uint64_t last, const uint
     if (a > b)
         return;
     const uint64_t n = b - a + 1;
-    const uint8_t *old = m_algoParam->buffer(0).data() + a;
     if (param->checksumKind == CHECKSUM_KIND_FUSEMAP) {
         // Each written byte adds its fuse weight when nonzero and takes it away when zero.
         for (uint64_t i = 0; i < n; ++i) {
@@ -188,7 +189,83 @@ void KCDataDoc::updateChecksumForWrite(uint64_t first, uint64_t last, const uint
         return;
     }
     const uint32_t added = newBytes ? cBufferSum::byteSum(newBytes + (a - first), n) : uint32_t(fill * n);
-    param->checksum += added - cBufferSum::byteSum(old, n);
+    param->checksum += added - rangeSum(CHECKSUM_KIND_BYTESUM, a, b);
+}
+
+uint8_t KCDataDoc::fillByte() const
+{
+    return m_host->GetFillByte();
+}
+
+namespace {
+
+// Sum of the fuse weights 1 << (a & 7) over the addresses first..last.
+uint32_t fuseWeights(uint64_t first, uint64_t last)
+{
+    uint32_t sum = 0;
+    for (; first <= last && (first & 7); ++first)
+        sum += 1u << (first & 7);
+    if (first > last)
+        return sum;
+    const uint64_t groups = (last - first + 1) / 8;
+    sum += uint32_t(groups * 0xFF);
+    for (uint64_t a = first + groups * 8; a <= last; ++a)
+        sum += 1u << (a & 7);
+    return sum;
+}
+
+} // namespace
+
+uint32_t KCDataDoc::rangeSum(int kind, uint64_t first, uint64_t last) const
+{
+    const uint8_t *data = m_algoParam->buffer(0).data();
+    auto sumOf = [&](uint64_t a, uint64_t b) {
+        return kind == CHECKSUM_KIND_FUSEMAP ? cBufferSum::fuseSum(data + a, b - a + 1, a)
+                                             : cBufferSum::byteSum(data + a, b - a + 1);
+    };
+    if (!m_gapsUnfilled)
+        return sumOf(first, last);
+    // Gaps hold the fill byte in the image but zero in memory: their share is arithmetic.
+    const uint8_t fill = fillByte();
+    uint32_t sum = 0;
+    uint64_t next = first;
+    auto addGap = [&](uint64_t a, uint64_t b) {
+        if (a > b || !fill)
+            return;
+        sum += kind == CHECKSUM_KIND_FUSEMAP ? fuseWeights(a, b) : uint32_t(uint64_t(fill) * (b - a + 1));
+    };
+    for (const KCAddressRange &r : m_dataMap.rangesIn(first, last)) {
+        if (r.first > next)
+            addGap(next, r.first - 1);
+        sum += sumOf(r.first, r.second);
+        next = r.second + 1;
+    }
+    if (next <= last && next >= first)
+        addGap(next, last);
+    return sum;
+}
+
+void KCDataDoc::materializeGaps(uint64_t first, uint64_t last)
+{
+    cByteBuffer &buf = m_algoParam->buffer(0);
+    if (!m_gapsUnfilled || buf.size() == 0 || first >= buf.size())
+        return;
+    last = std::min(last, buf.size() - 1);
+    const uint8_t fill = fillByte();
+    // Gap bytes in memory are never read while the gaps count as unfilled, so filling only
+    // some of them is safe.
+    if (fill) {
+        uint64_t next = first;
+        for (const KCAddressRange &r : m_dataMap.rangesIn(first, last)) {
+            if (r.first > next)
+                buf.Fill(next, r.first - 1, fill);
+            next = r.second + 1;
+        }
+        if (next <= last)
+            buf.Fill(next, last, fill);
+    }
+    if (first == 0 && last == buf.size() - 1)
+        m_gapsUnfilled = false;
 }
 
 bool KCDataDoc::WriteRange(uint64_t address, const uint8_t *bytes, uint64_t count)
@@ -218,12 +295,9 @@ uint32_t KCDataDoc::checksumOf(uint64_t first, uint64_t last)
     TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
     if (!param)
         return 0xFFFFFFFF;
-    const cByteBuffer &buf = m_algoParam->buffer(0);
-    if (first > last || last >= buf.size())
+    if (first > last || last >= GetBufferSize() || param->checksumKind > CHECKSUM_KIND_FUSEMAP)
         return 0;
-    const uint64_t count = last - first + 1;
-    return param->checksumKind == CHECKSUM_KIND_FUSEMAP ? cBufferSum::fuseSum(buf.data() + first, count, first)
-                                                        : cBufferSum::byteSum(buf.data() + first, count);
+    return rangeSum(param->checksumKind, first, last);
 }
 
 int KCDataDoc::FlipBytes(uint32_t from, uint32_t to)
@@ -317,9 +391,7 @@ unsigned long KCDataDoc::ComputeCheckSum(int view)
 
     const bool fuseMap = item.view && item.view->isDataView() && item.view->GetBufferLayoutName() == BufferLayoutFuseMap;
     param->checksumKind = fuseMap ? CHECKSUM_KIND_FUSEMAP : CHECKSUM_KIND_BYTESUM;
-    const uint64_t count = uint64_t(end) - start + 1;
-    const uint32_t sum = fuseMap ? cBufferSum::fuseSum(buf.data() + start, count, start)
-                                 : cBufferSum::byteSum(buf.data() + start, count);
+    const uint32_t sum = rangeSum(param->checksumKind, start, end);
     param->checksumStart = start;
     param->checksumEnd = end;
     param->checksum = sum;

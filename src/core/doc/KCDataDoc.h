@@ -141,6 +141,15 @@ public:
     // Checksum of [first, last] with the kind of the selected view, without touching the
     // stored checksum; 0xFFFFFFFF without a buffer view. The range must lie in the buffer.
     uint32_t checksumOf(uint64_t first, uint64_t last);
+    // Sparse documents (the command line's) load without filling the gaps, so that memory
+    // and time follow the data, not the highest address: a gap byte then reads as zero in the
+    // buffer while the image holds the fill byte there. Sums and record-format saves take
+    // this into account; anything that needs the flat image calls materializeGaps() first.
+    void setSparse(bool sparse) { m_sparse = sparse; }
+    bool isSparse() const { return m_sparse; }
+    // Puts the fill byte into the gaps inside [first, last] (all of them by default).
+    void materializeGaps(uint64_t first = 0, uint64_t last = UINT64_MAX);
+    uint8_t fillByte() const;
 
     cAlgoParam &AlgoParam() { return *m_algoParam; }
     const cAlgoParam &AlgoParam() const { return *m_algoParam; }
@@ -219,6 +228,9 @@ private:
     KCDataMap m_dataMap;
     KCDataMap m_changedMap;
     std::optional<KCAddressRange> m_saveRange;
+    bool m_sparse = false;
+    bool m_gapsUnfilled = false;
+    uint32_t rangeSum(int kind, uint64_t first, uint64_t last) const;
 
     void noteWritten(uint64_t first, uint64_t last);
     void updateChecksumForWrite(uint64_t first, uint64_t last, const uint8_t *newBytes, uint8_t fill);

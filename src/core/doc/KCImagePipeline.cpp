@@ -70,6 +70,13 @@ void KCImagePipeline::read(KCArchive &ar, const KCFileTypeRow &row)
         buffer.resize(0, options.fill);
     else if (options.rangeLength > buffer.size())
         options.rangeLength = buffer.size();
+    // Zero is the value fresh pages have anyway: a sparse load touches only the data's pages.
+    const bool sparse = doc.m_sparse && !deviceFixed;
+    if (sparse) {
+        buffer.setLazy(true);
+        options.fill = 0;
+    }
+    doc.m_gapsUnfilled = sparse;
 
     KCHostFileMessage sink(host);
     std::unique_ptr<KCFileFormat> format = info->create(sink);
@@ -92,7 +99,8 @@ void KCImagePipeline::read(KCArchive &ar, const KCFileTypeRow &row)
         return;
     }
     if (row.postLoad == POSTLOAD_FUSE_MAP && !deviceFixed && doc.m_lastLoad.fuseCount) {
-        buffer.resize(doc.m_lastLoad.fuseCount, options.fill);
+        doc.materializeGaps();
+        buffer.resize(doc.m_lastLoad.fuseCount, host->GetFillByte());
         doc.defineWholeBuffer();
     }
     host->ShowMessage(host->GetHostString(KCHostStrings::ReadOk) + " : " + path);
@@ -125,6 +133,7 @@ void KCImagePipeline::write(KCArchive &ar, const KCFileTypeRow &row)
             count = 0; // nothing defined in the range: a file without data records
     } else if (count) {
         stored.emplace_back(first, last);
+        doc.materializeGaps(first, last); // a flat format writes the fill bytes too
     }
 
     const std::string &path = ar.GetFilePath();

@@ -99,11 +99,13 @@ bool cByteBuffer::reserve(uint64_t newSize)
     if (newSize > m_capacity) {
         const uint64_t capacity = roundUp(newSize);
         void *p = m_data ? ::mremap(m_data, m_capacity, capacity, MREMAP_MAYMOVE)
-                         : ::mmap(nullptr, capacity, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+                         : ::mmap(nullptr, capacity, PROT_READ | PROT_WRITE,
+                                  MAP_PRIVATE | MAP_ANONYMOUS | (m_lazy ? MAP_NORESERVE : 0), -1, 0);
         if (p == MAP_FAILED)
             return false;
         m_data = static_cast<uint8_t *>(p);
-        populate(m_data + m_used, capacity - m_used);
+        if (!m_lazy)
+            populate(m_data + m_used, capacity - m_used);
         m_capacity = capacity;
     }
     return true;

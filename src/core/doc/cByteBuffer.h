@@ -29,6 +29,10 @@ public:
     const uint8_t *GetData() const { return m_data; }
     // Sets bytes start..end inclusive, clipped to the buffer.
     void Fill(uint64_t start, uint64_t end, uint8_t value);
+    // A lazy buffer takes memory only for the pages written: growth reserves address space
+    // and nothing more, and new bytes read as zero. For images whose data are sparse.
+    void setLazy(bool lazy) { m_lazy = lazy; }
+    bool isLazy() const { return m_lazy; }
 
 private:
     bool reserve(uint64_t newSize);
@@ -37,4 +41,5 @@ private:
     uint64_t m_size = 0;
     uint64_t m_capacity = 0;
     uint64_t m_used = 0; // bytes of the mapping ever inside the buffer
+    bool m_lazy = false;
 };
