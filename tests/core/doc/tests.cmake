@@ -3,6 +3,7 @@ list(APPEND KRLDV_CORE_TEST_SOURCES
   core/doc/KCDataDocSerialTest.cpp
   core/doc/KCSerialSettingsTest.cpp
   core/doc/KCDataDocChecksumTest.cpp
+  core/doc/KCImageShapeTest.cpp
   core/doc/KCUiAdrDataManagerTest.cpp
   core/doc/cBufferSumTest.cpp
 )

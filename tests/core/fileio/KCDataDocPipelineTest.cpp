@@ -1,5 +1,6 @@
 #include "KCDataDoc.h"
 #include "KCFileDialogCore.h"
+#include "KCTempDir.h"
 #include "KCTestHost.h"
 
 #include <gtest/gtest.h>
@@ -10,31 +11,6 @@
 #include <unistd.h>
 
 namespace {
-
-struct TempDir
-{
-    TempDir()
-    {
-        char tmpl[] = "/tmp/krldv-pipeline-XXXXXX";
-        path = ::mkdtemp(tmpl);
-    }
-    ~TempDir() { std::system(("rm -rf '" + path + "'").c_str()); }
-    std::string file(const std::string &name) const { return path + "/" + name; }
-    std::string path;
-};
-
-void writeFile(const std::string &path, const std::string &text)
-{
-    std::ofstream(path, std::ios::binary) << text;
-}
-
-std::string readFile(const std::string &path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream ss;
-    ss << in.rdbuf();
-    return ss.str();
-}
 
 bool anyMessage(const KCTestHost &host, const std::string &part)
 {
