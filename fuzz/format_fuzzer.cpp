@@ -12,6 +12,10 @@ namespace {
 
 // Addresses up to 4 GiB are legal; a window keeps the target small without skipping checks.
 constexpr uint64_t kFuzzRange = uint64_t(1) << 20;
+// Where the window lies, picked by the input's length: the bottom of the address space, just
+// below 2 GiB (where a signed test of a 32-bit address turns) and the top of the 32-bit space
+// (where an inclusive end is 0xFFFFFFFF and a length of 4 GiB no longer fits 32 bits).
+constexpr uint64_t kWindows[] = {0, 0x80000000 - kFuzzRange / 2, 0x100000000 - kFuzzRange};
 // Larger images are not worth a write and a second read per input.
 constexpr uint64_t kMaxRoundTrip = uint64_t(1) << 16;
 
@@ -46,6 +50,15 @@ bool roundTrips(const char *name)
     return false;
 }
 
+// Formats whose records name their addresses; the others start at address 0.
+bool carriesAddresses(const char *name)
+{
+    for (const char *n : {"intel", "motorola", "ti"})
+        if (std::strcmp(n, name) == 0)
+            return true;
+    return false;
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -56,6 +69,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     CountingSink sink;
     KCLoadOptions options;
+    if (carriesAddresses(info->name))
+        options.rangeStart = kWindows[size % (sizeof kWindows / sizeof kWindows[0])];
     options.rangeLength = kFuzzRange;
     KCVectorByteArray target;
     const KCLoadResult result = info->create(sink)->Load(KCInputFile{"fuzz.input", data, size}, target, options);
@@ -70,12 +85,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         CountingSink saveSink;
         StringOutput out;
         KCSaveOptions saveOptions;
+        saveOptions.startAddress = options.rangeStart;
         if (!info->create(saveSink)->Save(out, "fuzz.output", target.data(), target.size(), saveOptions))
             std::abort();
         KCVectorByteArray again;
         CountingSink reloadSink;
         const KCInputFile written{"fuzz.output", reinterpret_cast<const uint8_t *>(out.text.data()), out.text.size()};
-        if (!info->create(reloadSink)->Load(written, again, KCLoadOptions{}).ok || again.bytes() != target.bytes())
+        KCLoadOptions reload;
+        reload.rangeStart = options.rangeStart;
+        reload.rangeLength = kFuzzRange;
+        if (!info->create(reloadSink)->Load(written, again, reload).ok || again.bytes() != target.bytes())
             std::abort();
     }
     return 0;

@@ -1,4 +1,5 @@
 #include "KCAppHost.h"
+#include "KCFileDialogRequest.h"
 
 #include "KCSerialDefCtrl.h"
 

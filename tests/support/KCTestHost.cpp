@@ -1,4 +1,5 @@
 #include "KCTestHost.h"
+#include "KCFileDialogRequest.h"
 
 KCTestHost::KCTestHost() : m_previousHost(g_pMainProgDataExChange)
 {

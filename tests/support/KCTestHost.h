@@ -1,5 +1,6 @@
 #pragma once
 
+#include "KCFileDialogRequest.h"
 #include "KCHostStringTable.h"
 #include "KCMainProgDataExChange.h"
 

@@ -1,6 +1,7 @@
 // The document's open/save pipeline: dispatch by file type, the reader and writer adapters,
 // the open and save commands, and safe saving through a temporary file.
 #include "KCDataDoc.h"
+#include "KCFileDialogRequest.h"
 
 #include "KCArchive.h"
 #include "KCFdOutputStream.h"

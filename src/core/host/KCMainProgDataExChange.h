@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <string>
 
-#include "KCFileTypes.h"
 
 class KCDocBase;
 
@@ -30,22 +29,10 @@ struct TAG_KRLFILEINFO
     }
 };
 
+struct KCFileDialogRequest;
+
 // Failure bits of GetFileInfo's result.
 constexpr uint32_t FILEINFO_FAILED_MASK = 0xC0000000u;
-
-// What the document asks of the host's file dialog, and what the user chose.
-struct KCFileDialogRequest
-{
-    CALLFROMMENUE origin = CALLFROM_OPEN;
-    unsigned flags = 0;                          // toolkit-independent option bits (kept for the host)
-    std::string initialPath;
-    FILTERTYPE filterType = FILTER_ALL;          // filter to preselect
-    LOADSAVE_FILETYPE loadSaveType = LS_BINARY;  // format to preselect
-    // Results when the dialog ends with OK:
-    std::string path;
-    FILTERTYPE chosenFilterType = FILTER_ALL;
-    LOADSAVE_FILETYPE chosenLoadSaveType = LS_BINARY;
-};
 
 // Options of the program's file dialogs: hide read-only, prompt before overwriting, explorer style.
 constexpr unsigned FILEDIALOG_OPTIONS = 0x80006;

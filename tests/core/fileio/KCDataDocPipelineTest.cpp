@@ -1,4 +1,5 @@
 #include "KCDataDoc.h"
+#include "KCFileDialogRequest.h"
 #include "KCFileDialogCore.h"
 #include "KCTempDir.h"
 #include "KCTestHost.h"

@@ -1,4 +1,5 @@
 list(APPEND KRLDV_CORE_TEST_SOURCES
   core/fileio/KCFileDialogCoreTest.cpp
+  core/fileio/KCFileTypeTableTest.cpp
   core/fileio/KCDataDocPipelineTest.cpp
 )
