@@ -230,6 +230,7 @@ private:
     std::optional<KCAddressRange> m_saveRange;
     bool m_sparse = false;
     bool m_gapsUnfilled = false;
+    uint64_t m_loadBase = 0; // file address of buffer address 0 after a load from the lowest address
     uint32_t rangeSum(int kind, uint64_t first, uint64_t last) const;
 
     void noteWritten(uint64_t first, uint64_t last);

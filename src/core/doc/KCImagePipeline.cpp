@@ -41,6 +41,59 @@ std::string KCImagePipeline::describeRanges(const std::vector<KCAddressRange> &r
     return text.empty() ? "no data" : text;
 }
 
+bool KCImagePipeline::loadInto(KCArchive &ar, const KCFileFormatInfo &info, const KCLoadOptions &options)
+{
+    KCDataDoc &doc = m_doc;
+    cByteBuffer &buffer = doc.m_algoParam->buffer(0);
+    KCHostFileMessage sink(doc.host());
+    doc.m_lastLoad = info.create(sink)->Load(ar.input(), buffer, options);
+
+    // The file's ranges are file addresses; the map holds buffer addresses.
+    doc.m_dataMap.clear();
+    doc.m_changedMap.clear();
+    const uint64_t size = buffer.size();
+    for (const KCAddressRange &r : doc.m_lastLoad.ranges) {
+        if (r.second < options.rangeStart || r.first - options.rangeStart >= size)
+            continue;
+        const uint64_t first = r.first < options.rangeStart ? 0 : r.first - options.rangeStart;
+        doc.m_dataMap.add(first, std::min(r.second - options.rangeStart, size - 1));
+    }
+    doc.m_saveRange.reset();
+    if (!doc.m_lastLoad.ok) {
+        KCMainProgDataExChange *host = doc.host();
+        host->ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + host->GetHostString(KCHostStrings::ReadFailed)
+                          + " : " + ar.GetFilePath());
+        // What was read stays in the buffer, shown as the image shows it.
+        if (!doc.m_sparse)
+            doc.materializeGaps();
+        return false;
+    }
+    return true;
+}
+
+KCImagePipeline::SparseChoice KCImagePipeline::askAboutSparseData(const std::string &path)
+{
+    const KCDataMap &map = m_doc.m_dataMap;
+    const uint64_t size = m_doc.GetBufferSize();
+    if (size <= SparsePromptSize || map.isEmpty() || map.countIn(0, UINT64_MAX) > size / 2)
+        return SparseLoadAsItIs;
+    char text[512];
+    std::snprintf(text, sizeof text,
+                  "%s holds %" PRIu64 " bytes of data at 0x%08" PRIX64 "-0x%08" PRIX64 ". Loading it from address 0 "
+                  "takes %.1f GiB of memory.\n\nYes: load it from address 0.\nNo: load it from its lowest address, "
+                  "0x%08" PRIX64 " (saving writes it back to the same addresses).\nCancel: do not load it.",
+                  baseName(path).c_str(), map.countIn(0, UINT64_MAX), map.lowest(), map.highest(),
+                  double(size) / double(uint64_t(1) << 30), map.lowest());
+    switch (m_doc.host()->MessageBox(text, KCPrompt::MB_YESNOCANCEL | KCPrompt::MB_ICONQUESTION)) {
+    case KCPrompt::IDYES:
+        return SparseLoadAsItIs;
+    case KCPrompt::IDNO:
+        return SparseLoadFromLowest;
+    default:
+        return SparseDoNotLoad;
+    }
+}
+
 void KCImagePipeline::read(KCArchive &ar, const KCFileTypeRow &row)
 {
     KCDataDoc &doc = m_doc;
@@ -55,8 +108,9 @@ void KCImagePipeline::read(KCArchive &ar, const KCFileTypeRow &row)
                       + KCFileTypeTable::description(row) + ")");
 
     cByteBuffer &buffer = doc.m_algoParam->buffer(0);
+    const uint8_t fill = host->GetFillByte();
     KCLoadOptions options;
-    options.fill = host->GetFillByte();
+    options.fill = fill;
     const bool rangeSet = !(static_cast<int32_t>(param->LBSA) < 0) && param->LBEA >= param->LBSA;
     if (rangeSet) {
         options.rangeStart = param->LBSA;
@@ -67,40 +121,45 @@ void KCImagePipeline::read(KCArchive &ar, const KCFileTypeRow &row)
     const bool deviceFixed = doc.HasDeviceX() != 0;
     options.grow = !deviceFixed;
     if (!deviceFixed)
-        buffer.resize(0, options.fill);
+        buffer.resize(0, fill);
     else if (options.rangeLength > buffer.size())
         options.rangeLength = buffer.size();
-    // Zero is the value fresh pages have anyway: a sparse load touches only the data's pages.
-    const bool sparse = doc.m_sparse && !deviceFixed;
-    if (sparse) {
+
+    // Record formats may put a few bytes at high addresses. They are loaded lazily first (zero
+    // is the value fresh pages have anyway, so only the data's pages are touched); the gaps
+    // get their fill once the size is known to be wanted. A sparse document keeps them unfilled.
+    const bool lazy = !deviceFixed && (doc.m_sparse || row.type != LS_BINARY);
+    if (lazy) {
         buffer.setLazy(true);
         options.fill = 0;
     }
-    doc.m_gapsUnfilled = sparse;
-
-    KCHostFileMessage sink(host);
-    std::unique_ptr<KCFileFormat> format = info->create(sink);
-    doc.m_lastLoad = format->Load(ar.input(), buffer, options);
-
-    // The file's ranges are file addresses; the map holds buffer addresses.
-    doc.m_dataMap.clear();
-    doc.m_changedMap.clear();
-    const uint64_t size = buffer.size();
-    for (const KCAddressRange &r : doc.m_lastLoad.ranges) {
-        if (r.second < options.rangeStart || r.first - options.rangeStart >= size)
-            continue;
-        const uint64_t first = r.first < options.rangeStart ? 0 : r.first - options.rangeStart;
-        doc.m_dataMap.add(first, std::min(r.second - options.rangeStart, size - 1));
+    doc.m_gapsUnfilled = lazy;
+    doc.m_loadBase = 0;
+    bool ok = loadInto(ar, *info, options);
+    if (ok && lazy && !doc.m_sparse) {
+        switch (askAboutSparseData(path)) {
+        case SparseLoadAsItIs:
+            break;
+        case SparseLoadFromLowest:
+            options.rangeStart += doc.m_dataMap.lowest();
+            buffer.resize(0, 0);
+            ok = loadInto(ar, *info, options);
+            doc.m_loadBase = options.rangeStart;
+            break;
+        case SparseDoNotLoad:
+            buffer.resize(0, 0);
+            doc.m_dataMap.clear();
+            host->ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Warning) + path + " : not loaded");
+            return;
+        }
+        doc.materializeGaps();
     }
-    doc.m_saveRange.reset();
-    if (!doc.m_lastLoad.ok) {
-        host->ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + host->GetHostString(KCHostStrings::ReadFailed)
-                          + " : " + path);
+    buffer.setLazy(doc.m_sparse);
+    if (!ok)
         return;
-    }
     if (row.postLoad == POSTLOAD_FUSE_MAP && !deviceFixed && doc.m_lastLoad.fuseCount) {
         doc.materializeGaps();
-        buffer.resize(doc.m_lastLoad.fuseCount, host->GetFillByte());
+        buffer.resize(doc.m_lastLoad.fuseCount, fill);
         doc.defineWholeBuffer();
     }
     host->ShowMessage(host->GetHostString(KCHostStrings::ReadOk) + " : " + path);
@@ -120,7 +179,8 @@ void KCImagePipeline::write(KCArchive &ar, const KCFileTypeRow &row)
     const uint64_t last = count ? first + count - 1 : first;
 
     KCSaveOptions options = doc.m_saveOptions;
-    options.startAddress = first;
+    // A file loaded from its lowest address goes back to the addresses it came from.
+    options.startAddress = first + doc.m_loadBase;
     options.segments.clear();
     // What the file will hold, as buffer addresses.
     std::vector<KCAddressRange> stored;

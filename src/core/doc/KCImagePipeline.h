@@ -9,6 +9,8 @@
 
 class KCArchive;
 class KCDataDoc;
+struct KCFileFormatInfo;
+struct KCLoadOptions;
 
 // Moves an image between a file and the document's buffer 0 through the format library,
 // so that the image keeps its shape: a load without a device makes the buffer exactly as
@@ -29,7 +31,15 @@ public:
 
     // Fill ahead of the first data byte of a binary output above which the user is warned.
     static constexpr uint64_t LeadingFillWarning = uint64_t(1) << 20;
+    // A file whose data would make a buffer larger than this, mostly of fill, is loaded only
+    // after the user agreed.
+    static constexpr uint64_t SparsePromptSize = uint64_t(1) << 30;
 
 private:
+    enum SparseChoice { SparseLoadAsItIs, SparseLoadFromLowest, SparseDoNotLoad };
+
+    bool loadInto(KCArchive &ar, const KCFileFormatInfo &info, const KCLoadOptions &options);
+    SparseChoice askAboutSparseData(const std::string &path);
+
     KCDataDoc &m_doc;
 };

@@ -129,6 +129,12 @@ bool cByteBuffer::resize(uint64_t newSize, uint8_t fill)
         const uint64_t end = fill == 0 ? std::min(newSize, m_used) : newSize;
         if (end > m_size)
             std::memset(m_data + m_size, fill, end - m_size);
+    } else if (newSize < m_size) {
+        // Whole pages past the new end go back to the system and read as zero again, so a
+        // later growth with a zero fill need not clear them.
+        const uint64_t keep = std::min(roundUp(newSize), m_capacity);
+        if (m_used > keep && ::madvise(m_data + keep, m_used - keep, MADV_DONTNEED) == 0)
+            m_used = keep;
     }
     m_size = newSize;
     m_used = std::max(m_used, m_size);

@@ -206,3 +206,29 @@ TEST(KCImageShape, SparseAndFlatDocumentsAgree)
         EXPECT_EQ(readFile(dir.file("sparse")), readFile(dir.file("flat")));
     }
 }
+
+// Data at the top of the 32-bit space: the application asks before taking 4 GiB, and a load
+// from the lowest address saves back to the addresses the data came from.
+TEST(KCImageShape, SparseDataFarUpIsLoadedOnlyAsTheUserChooses)
+{
+    KCTestHost host;
+    TempDir dir;
+    const std::string top = ":02000004FFFFFC\r\n" + intelRecord(0xFF00, {1, 2, 3, 4}) + ":00000001FF\r\n";
+    writeFile(dir.file("top.hex"), top);
+
+    KCDataDoc doc;
+    host.scriptAnswers({KCPrompt::IDCANCEL});
+    EXPECT_FALSE(open(doc, dir.file("top.hex"), LS_INTELHEX));
+    ASSERT_EQ(host.prompts.size(), 1u);
+    EXPECT_NE(host.prompts[0].text.find("0xFFFFFF00-0xFFFFFF03"), std::string::npos);
+    EXPECT_EQ(doc.GetBufferSize(), 0u);
+
+    host.scriptAnswers({KCPrompt::IDNO});
+    ASSERT_TRUE(open(doc, dir.file("top.hex"), LS_INTELHEX));
+    EXPECT_EQ(doc.GetBufferSize(), 4u);
+    EXPECT_EQ(doc.GetData(3), 4);
+    doc.SetData(9, 0);
+    ASSERT_TRUE(doc.OnSaveDocument(dir.file("out.hex").c_str()));
+    EXPECT_EQ(readFile(dir.file("out.hex")),
+              ":02000004FFFFFC\r\n" + intelRecord(0xFF00, {9, 2, 3, 4}) + ":00000001FF\r\n");
+}
