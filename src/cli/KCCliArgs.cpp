@@ -1,5 +1,7 @@
 #include "KCCliArgs.h"
 
+#include "KCNumberText.h"
+
 #include <cctype>
 
 KCCliArgs::KCCliArgs(const std::vector<std::string> &args, const std::set<std::string> &valueOptions,
@@ -43,36 +45,10 @@ std::string KCCliArgs::value(const std::string &option, const std::string &fallb
 
 bool KCCliArgs::parseNumber(const std::string &text, uint64_t &value, uint64_t max)
 {
-    size_t i = 0;
-    int base = 10;
-    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
-        base = 16;
-        i = 2;
-    }
-    if (i >= text.size())
-        return false;
-    uint64_t v = 0;
-    for (; i < text.size(); ++i) {
-        const unsigned char c = static_cast<unsigned char>(text[i]);
-        unsigned digit;
-        if (std::isdigit(c))
-            digit = c - '0';
-        else if (base == 16 && std::isxdigit(c))
-            digit = static_cast<unsigned>(std::tolower(c) - 'a' + 10);
-        else
-            return false;
-        if (v > (max - digit) / base)
-            return false;
-        v = v * base + digit;
-    }
-    value = v;
-    return true;
+    return KCNumberText::parse(text, value, max);
 }
 
 bool KCCliArgs::parseRange(const std::string &text, uint64_t &start, uint64_t &end)
 {
-    const size_t colon = text.find(':');
-    if (colon == std::string::npos)
-        return false;
-    return parseNumber(text.substr(0, colon), start) && parseNumber(text.substr(colon + 1), end) && start <= end;
+    return KCNumberText::parseRange(text, start, end);
 }
