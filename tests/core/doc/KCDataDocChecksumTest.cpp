@@ -131,6 +131,15 @@ TEST(KCDataDocChecksum, RangeRulesAndStatusTexts)
     doc.AlgoParam().algoUiData().BEA = 1;
     EXPECT_EQ(doc.ComputeCheckSum(-1), 2u * 0xFF);
 
+    // The sum is always the selected view's, whichever view is named.
+    TAG_BUFFER_PARAM other;
+    TAG_DATADOC_VIEWITEM second = doc.viewItems()[0];
+    second.bufferParam = &other;
+    doc.viewItems().push_back(second);
+    EXPECT_EQ(doc.ComputeCheckSum(1), 2u * 0xFF);
+    EXPECT_EQ(other.checksum, 0u);
+    EXPECT_EQ(doc.mainBufferParam()->checksum, 2u * 0xFF);
+
     doc.viewItems().clear();
     EXPECT_EQ(doc.ComputeCheckSum(-1), 0xFFFFFFFFu);
     EXPECT_EQ(doc.GetCheckSum(0, 1), 0xFFFFFFFFu);
