@@ -1,5 +1,7 @@
 #include "KCHostStringTable.h"
 
+#include "KCTextLines.h"
+
 #include "KCFormat.h"
 
 #include <cerrno>
@@ -56,13 +58,11 @@ bool KCHostStringTable::load(const std::string &path, std::string *error)
 
 bool KCHostStringTable::loadFromText(const std::string &text, const std::string &name, std::string *error)
 {
-    std::istringstream in(text);
-    std::string line;
-    unsigned lineNo = 0;
-    while (std::getline(in, line)) {
-        ++lineNo;
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
+    KCTextLines lines(text);
+    std::string_view view;
+    while (lines.next(view)) {
+        const std::string line(view);
+        const uint64_t lineNo = lines.lineNumber();
         const size_t first = line.find_first_not_of(" \t");
         if (first == std::string::npos || line[first] == '#')
             continue;
