@@ -73,5 +73,6 @@ bool KCCliImageLoader::load(KCDataDoc &doc, const std::string &path, const std::
     param->LBSA = param->LBEA = 0xFFFFFFFF;
     // The command line needs the flat image only for binary output: memory follows the data.
     doc.setSparse(true);
+    doc.undoHistory().setBudget(0); // a command makes one change: nothing to undo
     return doc.OnOpenDocument(path.c_str());
 }

@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include <cstdlib>
+#include <cstdio>
 #include <cstring>
 #include <emmintrin.h>
 
@@ -93,6 +94,7 @@ bool KCDataDoc::OnNewDocument()
         return false;
     m_ownPathName.clear();
     defineWholeBuffer();
+    m_undo.clear();
     UpdateTitle();
     SetStandardAutoAction();
     return true;
@@ -116,14 +118,20 @@ void KCDataDoc::SetData(unsigned char value, uint32_t addr)
     const unsigned char old = m_gapsUnfilled && !m_dataMap.contains(addr) ? fillByte() : buf.GetAt(addr);
     if (m_gapsUnfilled && old != buf.GetAt(addr))
         buf.SetAt(addr, old);
-    // Writing the fill value into a gap still makes that byte part of the image.
-    m_dataMap.add(addr, addr);
-    if (old == value)
+    bool ownStep = false;
+    if (old == value) {
+        // Writing the fill value into a gap still makes that byte part of the image.
+        m_dataMap.add(addr, addr);
         return;
+    }
+    if (!beforeChange(addr, 1, "Typing", ownStep))
+        return;
+    m_dataMap.add(addr, addr);
     buf.SetAt(addr, value);
     m_changedMap.add(addr, addr);
     SetModifiedFlag(1);
     UpdateCheckSum(old, value, addr, -1);
+    afterChange(ownStep);
 }
 
 unsigned short KCDataDoc::GetDataWord(uint32_t wordIndex) const
@@ -136,9 +144,14 @@ unsigned short KCDataDoc::GetDataWord(uint32_t wordIndex) const
 void KCDataDoc::SetDataWord(unsigned short value, uint32_t wordIndex)
 {
     const uint64_t a = 2 * uint64_t(wordIndex);
-    m_dataMap.add(a, a + 1);
-    if (GetDataWord(wordIndex) == value)
+    bool ownStep = false;
+    if (GetDataWord(wordIndex) == value) {
+        m_dataMap.add(a, a + 1);
         return;
+    }
+    if (!beforeChange(a, 2, "Typing", ownStep))
+        return;
+    m_dataMap.add(a, a + 1);
     cByteBuffer &buf = m_algoParam->buffer(0);
     const unsigned char oldLow = buf.GetAt(a);
     const unsigned char oldHigh = buf.GetAt(a + 1);
@@ -150,6 +163,7 @@ void KCDataDoc::SetDataWord(unsigned short value, uint32_t wordIndex)
     SetModifiedFlag(1);
     UpdateCheckSum(oldLow, low, static_cast<unsigned long>(a), -1);
     UpdateCheckSum(oldHigh, high, static_cast<unsigned long>(a + 1), -1);
+    afterChange(ownStep);
 }
 
 void KCDataDoc::defineWholeBuffer()
@@ -190,6 +204,86 @@ void KCDataDoc::updateChecksumForWrite(uint64_t first, uint64_t last, const uint
     }
     const uint32_t added = newBytes ? cBufferSum::byteSum(newBytes + (a - first), n) : uint32_t(fill * n);
     param->checksum += added - rangeSum(CHECKSUM_KIND_BYTESUM, a, b);
+}
+
+bool KCDataDoc::confirmChangeSize(uint64_t bytes)
+{
+    if (!m_undo.isEnabled() || m_undo.fits(bytes))
+        return true;
+    char text[256];
+    std::snprintf(text, sizeof text,
+                  "This change of %llu bytes cannot be undone: undo keeps at most %llu MiB.\n\nMake it anyway?",
+                  static_cast<unsigned long long>(bytes), static_cast<unsigned long long>(m_undo.budget() >> 20));
+    return m_host->MessageBox(text, KCPrompt::MB_OKCANCEL | KCPrompt::MB_ICONEXCLAMATION) == KCPrompt::IDOK;
+}
+
+bool KCDataDoc::beforeChange(uint64_t first, uint64_t count, const char *name, bool &ownStep)
+{
+    ownStep = false;
+    if (!m_undo.isEnabled())
+        return true;
+    if (!m_undo.fits(count)) {
+        if (!confirmChangeSize(count))
+            return false;
+        // Older steps cannot be undone across a change that was not kept.
+        m_undo.clear(false);
+        return true;
+    }
+    if (!m_undo.isOpen()) {
+        m_undo.open(name, m_dataMap);
+        ownStep = true;
+    }
+    if (m_gapsUnfilled)
+        materializeGaps(first, first + count - 1);
+    m_undo.record(first, m_algoParam->buffer(0).data() + first, count);
+    return true;
+}
+
+void KCDataDoc::afterChange(bool ownStep)
+{
+    if (ownStep)
+        m_undo.close();
+}
+
+void KCDataDoc::applyStep(KCUndoHistory::Step &step, bool undo)
+{
+    uint8_t *data = m_algoParam->buffer(0).data();
+    const size_t n = step.changes.size();
+    for (size_t i = 0; i < n; ++i) {
+        KCUndoHistory::Change &c = step.changes[undo ? n - 1 - i : i];
+        const uint64_t count = c.bytes.size();
+        if (c.address >= GetBufferSize() || count > GetBufferSize() - c.address)
+            continue;
+        const uint64_t last = c.address + count - 1;
+        updateChecksumForWrite(c.address, last, c.bytes.data(), 0);
+        std::swap_ranges(c.bytes.begin(), c.bytes.end(), data + c.address);
+        m_changedMap.add(c.address, last);
+    }
+    std::swap(step.map, m_dataMap);
+}
+
+bool KCDataDoc::Undo()
+{
+    if (!m_undo.canUndo())
+        return false;
+    applyStep(m_undo.nextUndo(), true);
+    m_undo.undone();
+    SetModifiedFlag(m_undo.isAtSaved() ? 0 : 1);
+    PrintCheckSum(-1);
+    UpdateAllViews(nullptr, DOCHINT_DATA);
+    return true;
+}
+
+bool KCDataDoc::Redo()
+{
+    if (!m_undo.canRedo())
+        return false;
+    applyStep(m_undo.nextRedo(), false);
+    m_undo.redone();
+    SetModifiedFlag(m_undo.isAtSaved() ? 0 : 1);
+    PrintCheckSum(-1);
+    UpdateAllViews(nullptr, DOCHINT_DATA);
+    return true;
 }
 
 uint8_t KCDataDoc::fillByte() const
@@ -274,9 +368,13 @@ bool KCDataDoc::WriteRange(uint64_t address, const uint8_t *bytes, uint64_t coun
     if (count == 0 || address >= size || count > size - address)
         return false;
     const uint64_t last = address + count - 1;
+    bool ownStep = false;
+    if (!beforeChange(address, count, "Write", ownStep))
+        return false;
     updateChecksumForWrite(address, last, bytes, 0);
     std::memmove(m_algoParam->buffer(0).data() + address, bytes, count);
     noteWritten(address, last);
+    afterChange(ownStep);
     return true;
 }
 
@@ -284,9 +382,13 @@ bool KCDataDoc::FillRange(uint64_t first, uint64_t last, uint8_t value)
 {
     if (first > last || last >= GetBufferSize())
         return false;
+    bool ownStep = false;
+    if (!beforeChange(first, last - first + 1, "Fill", ownStep))
+        return false;
     updateChecksumForWrite(first, last, nullptr, value);
     m_algoParam->buffer(0).Fill(first, last, value);
     noteWritten(first, last);
+    afterChange(ownStep);
     return true;
 }
 
@@ -315,8 +417,11 @@ void KCDataDoc::OnSwapbytes()
     const std::string text = m_host->GetHostString(KCHostStrings::SwapBytesPrompt);
     if (m_host->MessageBox(text, KCPrompt::MB_OKCANCEL | KCPrompt::MB_ICONEXCLAMATION) != KCPrompt::IDOK)
         return;
-    m_host->BeginWaitCursor();
     const uint64_t size = GetBufferSize();
+    bool ownStep = false;
+    if (size > 0 && !beforeChange(0, size, "Swap Bytes", ownStep))
+        return;
+    m_host->BeginWaitCursor();
     // A byte sum does not change under a swap: the checksum stays as it is.
     if (size > 0)
         FlipBytes(0, static_cast<uint32_t>(size - 1));
@@ -326,6 +431,7 @@ void KCDataDoc::OnSwapbytes()
     if (size > 0)
         m_changedMap.add(0, size - 1);
     SetModifiedFlag(1);
+    afterChange(ownStep);
     UpdateAllViews(nullptr, DOCHINT_ALL);
     m_host->EndWaitCursor();
 }

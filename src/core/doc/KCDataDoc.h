@@ -4,6 +4,7 @@
 #include "KCFileFormat.h"
 #include "KCDataMap.h"
 #include "KCDocBase.h"
+#include "KCUndoHistory.h"
 #include "KCFileTypes.h"
 #include "TAG_BUFFER_PARAM.h"
 #include "TAG_DATADOC_VIEWITEM.h"
@@ -141,6 +142,19 @@ public:
     // Checksum of [first, last] with the kind of the selected view, without touching the
     // stored checksum; 0xFFFFFFFF without a buffer view. The range must lie in the buffer.
     uint32_t checksumOf(uint64_t first, uint64_t last);
+    // Undo and redo of every change made through the document. An action of several changes
+    // (a cut, a paste) is one step between beginAction and endAction; a change outside an
+    // action is a step of its own. A change larger than the history's budget is made only
+    // when the user agrees that it cannot be undone.
+    KCUndoHistory &undoHistory() { return m_undo; }
+    void beginAction(const std::string &name) { m_undo.open(name, m_dataMap); }
+    void endAction() { m_undo.close(); }
+    bool Undo();
+    bool Redo();
+    // Asks the user before a change of `bytes` bytes that the history cannot hold; true when
+    // it can, or the user agreed.
+    bool confirmChangeSize(uint64_t bytes);
+
     // Sparse documents (the command line's) load without filling the gaps, so that memory
     // and time follow the data, not the highest address: a gap byte then reads as zero in the
     // buffer while the image holds the fill byte there. Sums and record-format saves take
@@ -233,7 +247,12 @@ private:
     uint64_t m_loadBase = 0; // file address of buffer address 0 after a load from the lowest address
     uint32_t rangeSum(int kind, uint64_t first, uint64_t last) const;
 
+    KCUndoHistory m_undo;
+
     void noteWritten(uint64_t first, uint64_t last);
+    bool beforeChange(uint64_t first, uint64_t count, const char *name, bool &ownStep);
+    void afterChange(bool ownStep);
+    void applyStep(KCUndoHistory::Step &step, bool undo);
     void updateChecksumForWrite(uint64_t first, uint64_t last, const uint8_t *newBytes, uint8_t fill);
 
     friend class KCImagePipeline;

@@ -266,6 +266,7 @@ bool KCDataDoc::privateSaveDocument(const std::string &requestedPath)
     m_host->ShowMessage("Writing " + path + " OK.");
     if (!ar.summary().empty())
         m_host->ShowMessage(ar.summary());
+    m_undo.markSaved();
     SetModifiedFlag(0);
     return true;
 }

@@ -51,6 +51,7 @@ bool KCImagePipeline::loadInto(KCArchive &ar, const KCFileFormatInfo &info, cons
     // The file's ranges are file addresses; the map holds buffer addresses.
     doc.m_dataMap.clear();
     doc.m_changedMap.clear();
+    doc.m_undo.clear();
     const uint64_t size = buffer.size();
     for (const KCAddressRange &r : doc.m_lastLoad.ranges) {
         if (r.second < options.rangeStart || r.first - options.rangeStart >= size)

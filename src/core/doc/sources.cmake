@@ -5,6 +5,7 @@ list(APPEND KRLDV_CORE_SOURCES
   doc/KCDataMap.cpp
   doc/KCDocBase.cpp
   doc/KCImagePipeline.cpp
+  doc/KCUndoHistory.cpp
   doc/KCUiAdrDataManager.cpp
   doc/cAlgoParam.cpp
   doc/cBufferSum.cpp

@@ -4,6 +4,7 @@ list(APPEND KRLDV_CORE_TEST_SOURCES
   core/doc/KCSerialSettingsTest.cpp
   core/doc/KCDataDocChecksumTest.cpp
   core/doc/KCImageShapeTest.cpp
+  core/doc/KCUndoTest.cpp
   core/doc/KCUiAdrDataManagerTest.cpp
   core/doc/cBufferSumTest.cpp
 )
