@@ -178,7 +178,7 @@ int KCDataViewLayout::findBlock(LAYOUT_LIST list, int64_t line) const
 
 void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *data, uint64_t size,
                                  int64_t markLow, int64_t markHigh, TAG_VIEW_ROW &row,
-                                 const KCDataMap *modified) const
+                                 const KCDataMap *modified, const KCDataMap *defined) const
 {
     row.text.assign(static_cast<size_t>(m_widestRow), ' ');
     row.state.assign(static_cast<size_t>(m_widestRow), VCS_EMPTY);
@@ -195,6 +195,15 @@ void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *
     if (modified && !blk.isText()) {
         if (rowAddr < 0 || modified->rangesIn(uint64_t(rowAddr), uint64_t(rowAddr) + blk.bytesPerRow - 1).empty())
             modified = nullptr;
+    }
+    // Likewise a row of data only, or of fill only, needs no look-up per cell.
+    bool allGap = false;
+    if (defined && !blk.isText() && rowAddr >= 0) {
+        const uint64_t first = uint64_t(rowAddr), last = first + blk.bytesPerRow - 1;
+        const std::vector<KCAddressRange> in = defined->rangesIn(first, last);
+        allGap = in.empty();
+        if (!allGap && in.size() == 1 && in[0].first == first && in[0].second == last)
+            defined = nullptr;
     }
 
     for (const TAG_X_LAYOUT &c : blk.cells) {
@@ -223,8 +232,12 @@ void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *
             }
             if (addr >= markLow && addr <= markHigh)
                 cellState = VCS_MARKED;
+            else if (modified && modified->contains(uint64_t(addr)))
+                cellState = VCS_MODIFIED;
+            else if (defined && (allGap || !defined->contains(uint64_t(addr))))
+                cellState = VCS_GAP;
             else
-                cellState = modified && modified->contains(uint64_t(addr)) ? VCS_MODIFIED : VCS_DATA;
+                cellState = VCS_DATA;
             break;
         }
         case XL_ADDRESS_HEX:

@@ -54,9 +54,11 @@ public:
     // The block holding `line` of `list`, -1 when none.
     int findBlock(LAYOUT_LIST list, int64_t line) const;
     // Fills `row` with the texts and states of `line`; bytes come from data[0..size).
-    // Addresses in `modified` are shown as modified unless they are marked.
+    // Addresses in `modified` are shown as modified unless they are marked; with `defined`
+    // given, addresses outside it are shown as gaps.
     void renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *data, uint64_t size, int64_t markLow,
-                   int64_t markHigh, TAG_VIEW_ROW &row, const KCDataMap *modified = nullptr) const;
+                   int64_t markHigh, TAG_VIEW_ROW &row, const KCDataMap *modified = nullptr,
+                   const KCDataMap *defined = nullptr) const;
 
     void setTextMetrics(int charWidth, int linePitch);
     int charWidth() const { return m_charWidth; }

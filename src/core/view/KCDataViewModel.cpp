@@ -359,7 +359,8 @@ void KCDataViewModel::renderScreenLine(int screenLine, TAG_VIEW_ROW &row) const
     l->markRange(low, high);
     const cByteBuffer *buf = m_doc ? &m_doc->AlgoParam().buffer(0) : nullptr;
     l->renderRow(list, line, buf ? buf->data() : nullptr, buf ? buf->size() : 0, low, high, row,
-                 m_doc && !m_doc->changedMap().isEmpty() ? &m_doc->changedMap() : nullptr);
+                 m_doc && !m_doc->changedMap().isEmpty() ? &m_doc->changedMap() : nullptr,
+                 m_doc ? &m_doc->dataMap() : nullptr);
 }
 
 bool KCDataViewModel::isCaretShown() const

@@ -18,6 +18,9 @@ class KCIndexedColor
 public:
     // Default pairs, in registration order.
     enum : int { Window = 0, WindowGrey = 1, WhiteOnBlue = 2, BlackOnLavender = 3, BlackOnBrown = 4 };
+    // Fill between the data of an image: dimmed, so padding does not read as data.
+    static constexpr uint32_t GapText = 0xA8A8A8;
+    static constexpr uint32_t GapBackground = 0xF6F6F6;
 
     // System colours the first two pairs use until the host sets its own palette.
     static constexpr uint32_t DefaultWindowText = 0x000000;

@@ -11,6 +11,7 @@ enum VIEW_CELL_STATE : uint8_t {
     VCS_DATA = 2,   // a buffer byte
     VCS_MARKED = 3, // a buffer byte inside the mark
     VCS_MODIFIED = 4, // a buffer byte typed since the buffer last matched its file
+    VCS_GAP = 5,    // a byte of fill between the image's data
 };
 
 // One row as the view paints it: a character and a state per layout column. Character cells

@@ -85,6 +85,7 @@ void KCDataViewRenderer::loadColours()
     take(Marked, KCIndexedColor::WhiteOnBlue);
     take(CaretLine, KCIndexedColor::BlackOnLavender);
     take(Modified, KCIndexedColor::BlackOnBrown);
+    take(Gap, table.GetIndexOf(KCIndexedColor::GapText, KCIndexedColor::GapBackground));
     table.GetColorOf(KCIndexedColor::Window, text, back);
     table.MixWith(KCIndexedColor::WindowGrey, text, back, HeaderGreyShare);
     m_text[Header] = toQColor(text);
@@ -96,6 +97,7 @@ KCDataViewRenderer::Role KCDataViewRenderer::roleOf(uint8_t state, Role rowRole)
     switch (state) {
     case VCS_MARKED: return Marked;
     case VCS_MODIFIED: return Modified;
+    case VCS_GAP: return rowRole == CaretLine ? CaretLine : Gap;
     default: return rowRole;
     }
 }

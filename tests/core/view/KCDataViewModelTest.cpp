@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <unistd.h>
+
 namespace {
 
 constexpr int CharWidth = 8;
@@ -349,4 +352,34 @@ TEST_F(DataView, TypedBytesShowAsModifiedUntilSavedOrReplaced)
     ASSERT_TRUE(doc->FillRange(0x40, 0x41, 0x00));
     EXPECT_EQ(view->modifiedByteCount(), 6u);
     EXPECT_TRUE(view->isByteModified(0x41));
+}
+
+// Fill between an image's data is drawn as a gap until something is written there.
+TEST_F(DataView, GapsBetweenDataShowAsGapsUntilWritten)
+{
+    char path[] = "/tmp/krldv-gaps-XXXXXX.hex";
+    const int fd = ::mkstemps(path, 4);
+    const std::string text = ":0400000001020304F2\r\n:0400140005060708CE\r\n:00000001FF\r\n";
+    ASSERT_EQ(::write(fd, text.data(), text.size()), ssize_t(text.size()));
+    ::close(fd);
+    doc->mainBufferParam()->fileType = LS_INTELHEX;
+    const bool opened = doc->OnOpenDocument(path);
+    ::unlink(path);
+    ASSERT_TRUE(opened) << (host.messages.size() > 1 ? host.messages[host.messages.size() - 2] : std::string());
+    TAG_VIEW_ROW row;
+    view->renderScreenLine(ByteTopLines, row); // bytes 0x00..0x0F
+    EXPECT_EQ(row.state[10], VCS_DATA);   // byte 0
+    EXPECT_EQ(row.state[22], VCS_GAP);    // byte 4
+    view->renderScreenLine(ByteTopLines + 1, row); // 0x10..0x17: gap, then data
+    EXPECT_EQ(row.state[10], VCS_GAP);
+    EXPECT_EQ(row.state[22], VCS_DATA);   // byte 0x14
+
+    view->setCaretAddress(4);
+    type("ab");
+    view->renderScreenLine(ByteTopLines, row);
+    EXPECT_EQ(row.state[22], VCS_MODIFIED);
+    doc->SetModifiedFlag(0); // as after a save
+    view->renderScreenLine(ByteTopLines, row);
+    EXPECT_EQ(row.state[22], VCS_DATA);
+    EXPECT_EQ(row.state[25], VCS_GAP);
 }
