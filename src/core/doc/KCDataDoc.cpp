@@ -3,7 +3,6 @@
 #include "KCDocView.h"
 #include "KCHostStrings.h"
 #include "KCMainProgDataExChange.h"
-#include "KCSerialDefCtrl.h"
 #include "KCFormat.h"
 #include "cBufferSum.h"
 
@@ -56,7 +55,7 @@ unsigned long KCDataDoc::getNewDocBufferId()
     return ++mDocBufferId;
 }
 
-KCDataDoc::KCDataDoc() : m_host(g_pMainProgDataExChange)
+KCDataDoc::KCDataDoc() : m_host(g_pMainProgDataExChange), m_serial(g_pMainProgDataExChange, *this)
 {
     // The document cannot exist without its host.
     if (!m_host)
@@ -79,7 +78,6 @@ KCDataDoc::KCDataDoc() : m_host(g_pMainProgDataExChange)
     main.number = 0;
     m_viewItems.push_back(main);
     defineWholeBuffer();
-    InitSerialNumberDefault();
 }
 
 KCDataDoc::~KCDataDoc() = default;

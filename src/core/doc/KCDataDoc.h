@@ -4,6 +4,8 @@
 #include "KCFileFormat.h"
 #include "KCDataMap.h"
 #include "KCDocBase.h"
+#include "KCSerialState.h"
+#include "KCSerialTarget.h"
 #include "KCUndoHistory.h"
 #include "KCFileTypes.h"
 #include "TAG_BUFFER_PARAM.h"
@@ -32,7 +34,7 @@ enum : long {
 // workspace-tree items and the per-buffer load/save and checksum state. Every change of a
 // buffer byte goes through SetData/SetDataWord, which keep the modified flag and the
 // running checksum right.
-class KCDataDoc : public KCDocBase
+class KCDataDoc : public KCDocBase, private KCSerialTarget
 {
 public:
     KCDataDoc();
@@ -82,29 +84,33 @@ public:
     void PostOpenLoadFile();
     void SetStandardAutoAction();
 
-    // Serial numbers of a production run.
-    void InitSerialNumberDefault();
-    int EnableSerialNumberUsability(int enable);
-    int GetNextSerialNumberFromFile(int advance, int readFile);
-    int GetSerialNumber();
-    int WriteSerialNumberToBuffer();
-    void InvalidateCurrentSerialNumber() { m_serialValid = false; }
-    bool isSerialNumberValid() const { return m_serialValid; }
-    int UpdateSerialDataFromFile();
-    KCSerialDefCtrl *serialDefCtrl() const { return m_serialDefCtrl.get(); }
-    int serialMode() const { return m_serialMode; }
-    void setSerialMode(int mode) { m_serialMode = mode; }
-    const std::string &serialNumberText() const { return m_serialNumber; }
-    unsigned serialLength() const { return m_serialLength; }
-    unsigned serialValue() const { return m_serialValue; }
-    unsigned serialFlags() const { return m_serialFlags; }
-    void setSerialFlags(unsigned flags) { m_serialFlags = flags; }
-    unsigned serialByteCount() const { return m_serialByteCount; }
-    void setSerialByteCount(unsigned count) { m_serialByteCount = count; }
-    unsigned serialAddress() const { return m_serialAddress; }
-    void setSerialAddress(unsigned address) { m_serialAddress = address; }
-    const std::string &serialDefPath() const { return m_serialDefPath; }
-    void setSerialDefPath(const std::string &path) { m_serialDefPath = path; }
+    // Serial numbers of a production run; the state and its rules are KCSerialState's.
+    KCSerialState &serialState() { return m_serial; }
+    void InitSerialNumberDefault() { m_serial.InitSerialNumberDefault(); }
+    int EnableSerialNumberUsability(int enable) { return m_serial.EnableSerialNumberUsability(enable); }
+    int GetNextSerialNumberFromFile(int advance, int readFile)
+    {
+        return m_serial.GetNextSerialNumberFromFile(advance, readFile);
+    }
+    int GetSerialNumber() { return m_serial.GetSerialNumber(); }
+    int WriteSerialNumberToBuffer() { return m_serial.WriteSerialNumberToBuffer(); }
+    void InvalidateCurrentSerialNumber() { m_serial.invalidate(); }
+    bool isSerialNumberValid() const { return m_serial.isValid(); }
+    int UpdateSerialDataFromFile() { return m_serial.UpdateSerialDataFromFile(); }
+    KCSerialDefCtrl *serialDefCtrl() const { return m_serial.serialDefCtrl(); }
+    int serialMode() const { return m_serial.mode(); }
+    void setSerialMode(int mode) { m_serial.setMode(mode); }
+    const std::string &serialNumberText() const { return m_serial.numberText(); }
+    unsigned serialLength() const { return m_serial.length(); }
+    unsigned serialValue() const { return m_serial.value(); }
+    unsigned serialFlags() const { return m_serial.flags(); }
+    void setSerialFlags(unsigned flags) { m_serial.setFlags(flags); }
+    unsigned serialByteCount() const { return m_serial.byteCount(); }
+    void setSerialByteCount(unsigned count) { m_serial.setByteCount(count); }
+    unsigned serialAddress() const { return m_serial.address(); }
+    void setSerialAddress(unsigned address) { m_serial.setAddress(address); }
+    const std::string &serialDefPath() const { return m_serial.defPath(); }
+    void setSerialDefPath(const std::string &path) { m_serial.setDefPath(path); }
 
     // Writer settings (record length, line ends, header) and what the last load found.
     KCSaveOptions &saveOptions() { return m_saveOptions; }
@@ -226,18 +232,8 @@ private:
     std::string m_ownPathName;
     int m_selectIndex = -1;
     KCSaveOptions m_saveOptions;
+    KCSerialState m_serial;
 
-    std::unique_ptr<KCSerialDefCtrl> m_serialDefCtrl;
-    int m_serialMode = 0;
-    std::string m_serialNumber;
-    unsigned m_serialLength = 0;
-    unsigned m_serialValue = 0;
-    std::string m_serialData;
-    unsigned m_serialFlags = 0;
-    unsigned m_serialByteCount = 0;
-    unsigned m_serialAddress = 0;
-    std::string m_serialDefPath;
-    bool m_serialValid = false;
     KCLoadResult m_lastLoad;
     KCDataMap m_dataMap;
     KCDataMap m_changedMap;
@@ -250,6 +246,15 @@ private:
     KCUndoHistory m_undo;
 
     void noteWritten(uint64_t first, uint64_t last);
+
+    // Where serial numbers are written: buffer 0 of the current view.
+    bool hasSerialTarget() override;
+    uint64_t serialTargetSize() const override { return GetBufferSize(); }
+    uint8_t serialByte(uint64_t address) const override;
+    void beginSerialWrite() override { beginAction("Serial Number"); }
+    void writeSerialByte(uint64_t address, uint8_t value) override;
+    void endSerialWrite(bool changed) override;
+    void serialSettingsChanged() override;
     bool beforeChange(uint64_t first, uint64_t count, const char *name, bool &ownStep);
     void afterChange(bool ownStep);
     void applyStep(KCUndoHistory::Step &step, bool undo);

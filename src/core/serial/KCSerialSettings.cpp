@@ -1,6 +1,7 @@
 #include "KCSerialSettings.h"
 
-#include "KCDataDoc.h"
+#include "KCSerialState.h"
+#include "KCSerialTarget.h"
 #include "KCMainProgDataExChange.h"
 #include "KCSerialDefCtrl.h"
 
@@ -26,28 +27,28 @@ bool endsWith(const std::string &s, const std::string &tail)
 
 } // namespace
 
-KCSerialSettings::KCSerialSettings(KCDataDoc *doc) : m_doc(doc)
+KCSerialSettings::KCSerialSettings(KCSerialState *state) : m_state(state)
 {
-    m_choice = GetSerialChoiceType(*doc);
-    m_fileName = doc->serialDefPath();
-    m_flags = doc->serialFlags();
-    m_address = doc->serialAddress();
-    m_byteCount = doc->serialByteCount();
+    m_choice = GetSerialChoiceType(*state);
+    m_fileName = state->defPath();
+    m_flags = state->flags();
+    m_address = state->address();
+    m_byteCount = state->byteCount();
     readFirstBlock();
 }
 
-KCSerialSettings::Choice KCSerialSettings::GetSerialChoiceType(const KCDataDoc &doc)
+KCSerialSettings::Choice KCSerialSettings::GetSerialChoiceType(const KCSerialState &state)
 {
-    if (doc.serialMode() == 0)
+    if (state.mode() == 0)
         return ChoiceNone;
-    return endsWith(doc.serialDefPath(), KCSerialDefCtrl::DefaultFileName) ? ChoiceInternal : ChoiceCustom;
+    return endsWith(state.defPath(), KCSerialDefCtrl::DefaultFileName) ? ChoiceInternal : ChoiceCustom;
 }
 
 void KCSerialSettings::setChoice(Choice choice)
 {
     m_choice = choice;
     if (choice == ChoiceInternal) {
-        const std::string path = m_doc->host()->GetSerialDefaultFilePath();
+        const std::string path = m_state->host()->GetSerialDefaultFilePath();
         m_fileChosen = m_fileChosen || path != m_fileName;
         m_fileName = path;
     }
@@ -83,7 +84,7 @@ bool KCSerialSettings::readFirstBlock()
     m_firstLength = m_firstNext = m_firstStep = 0;
     if (m_choice == ChoiceNone || m_fileName.empty())
         return false;
-    KCSerialDefCtrl ctrl(m_doc->host(), m_fileName);
+    KCSerialDefCtrl ctrl(m_state->host(), m_fileName);
     if (!ctrl.FILE_UpdateDefFileInfo() || ctrl.blockCount() == 0)
         return false;
     const TAG_SERIAL_NUMBER first = ctrl.GetSerialBlock(0);
@@ -96,7 +97,7 @@ bool KCSerialSettings::OnSerialSaveDefault()
     if (m_choice == ChoiceNone || m_fileName.empty() || m_firstLength < KCSerialDefCtrl::MinCalcLength
         || m_firstLength > KCSerialDefCtrl::MaxCalcLength)
         return false;
-    KCSerialDefCtrl ctrl(m_doc->host(), m_fileName);
+    KCSerialDefCtrl ctrl(m_state->host(), m_fileName);
     if (!ctrl.FILE_UpdateDefFileInfo() || ctrl.blockCount() == 0)
         return false;
     TAG_SERIAL_NUMBER first = ctrl.GetSerialBlock(0);
@@ -111,7 +112,7 @@ bool KCSerialSettings::preview(std::string &bytes) const
     bytes.clear();
     if (m_choice == ChoiceNone || m_fileName.empty())
         return false;
-    KCSerialDefCtrl ctrl(m_doc->host(), m_fileName);
+    KCSerialDefCtrl ctrl(m_state->host(), m_fileName);
     unsigned flags = m_flags, length = 0, value = 0;
     std::string data(KCSerialDefCtrl::DataBufferSize, '\0');
     if (!ctrl.SERIAL_GetNextSerialNumber(0, &flags, &length, &value, &data[0], &bytes, 0, 1))
@@ -139,65 +140,64 @@ std::string KCSerialSettings::previewText() const
 
 bool KCSerialSettings::OnApply()
 {
-    KCDataDoc &doc = *m_doc;
+    KCSerialState &doc = *m_state;
     bool changed = false;
-    if (doc.serialFlags() != m_flags) {
-        doc.setSerialFlags(m_flags);
+    if (doc.flags() != m_flags) {
+        doc.setFlags(m_flags);
         changed = true;
     }
-    if (doc.serialByteCount() != m_byteCount) {
-        doc.setSerialByteCount(m_byteCount);
+    if (doc.byteCount() != m_byteCount) {
+        doc.setByteCount(m_byteCount);
         changed = true;
     }
-    if (doc.serialAddress() != m_address) {
-        doc.setSerialAddress(m_address);
+    if (doc.address() != m_address) {
+        doc.setAddress(m_address);
         changed = true;
     }
     bool fileIsNew = false;
-    if (m_fileChosen && !m_fileName.empty() && m_fileName != doc.serialDefPath()) {
-        doc.setSerialDefPath(m_fileName);
+    if (m_fileChosen && !m_fileName.empty() && m_fileName != doc.defPath()) {
+        doc.setDefPath(m_fileName);
         changed = fileIsNew = true;
     }
 
-    const bool docOn = doc.serialMode() != 0 && doc.serialDefCtrl();
+    const bool docOn = doc.mode() != 0 && doc.serialDefCtrl();
     if (m_choice == ChoiceNone) {
         if (docOn) {
             doc.EnableSerialNumberUsability(0);
             changed = true;
         }
-        doc.setSerialMode(0);
+        doc.setMode(0);
     } else if (!docOn) {
         // A preview only: applying never consumes a number.
         if (doc.EnableSerialNumberUsability(1) && doc.GetNextSerialNumberFromFile(0, 1)) {
-            doc.setSerialMode(m_choice);
+            doc.setMode(m_choice);
             changed = true;
         } else {
             doc.EnableSerialNumberUsability(0);
-            doc.setSerialMode(0);
+            doc.setMode(0);
             m_choice = ChoiceNone;
         }
     } else {
         bool ok = true;
         if (fileIsNew || m_reload) {
-            doc.serialDefCtrl()->FILE_SetSerialFilename(doc.serialDefPath());
+            doc.serialDefCtrl()->FILE_SetSerialFilename(doc.defPath());
             ok = doc.GetNextSerialNumberFromFile(0, 1) != 0;
         } else {
             ok = doc.GetSerialNumber() != 0;
         }
         if (!ok && (fileIsNew || m_reload)) {
             doc.EnableSerialNumberUsability(0);
-            doc.setSerialMode(0);
+            doc.setMode(0);
             m_choice = ChoiceNone;
             changed = true;
         } else {
-            doc.setSerialMode(m_choice);
+            doc.setMode(m_choice);
         }
     }
     m_reload = false;
     m_fileChosen = false;
     if (changed) {
-        doc.SetModifiedFlag(1);
-        doc.UpdateAllViews(nullptr, DOCHINT_ALL);
+        doc.target().serialSettingsChanged();
     }
     return changed;
 }

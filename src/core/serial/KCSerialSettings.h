@@ -2,7 +2,7 @@
 
 #include <string>
 
-class KCDataDoc;
+class KCSerialState;
 class KCMainProgDataExChange;
 
 // What the serial-number dialog edits, apart from its widgets: the choice of definition
@@ -14,10 +14,10 @@ public:
     enum Choice { ChoiceNone = 0, ChoiceInternal = 1, ChoiceCustom = 2 };
 
     // Reads the document's settings.
-    explicit KCSerialSettings(KCDataDoc *doc);
+    explicit KCSerialSettings(KCSerialState *state);
 
     // Which choice the document's settings are: none, the default file, or another file.
-    static Choice GetSerialChoiceType(const KCDataDoc &doc);
+    static Choice GetSerialChoiceType(const KCSerialState &state);
 
     Choice choice() const { return m_choice; }
     void setChoice(Choice choice);
@@ -50,7 +50,7 @@ public:
     bool OnApply();
 
 private:
-    KCDataDoc *m_doc;
+    KCSerialState *m_state;
     Choice m_choice = ChoiceNone;
     std::string m_fileName;
     bool m_fileChosen = false;

@@ -47,7 +47,7 @@ template <class T> T *KCSerialDefDlg::addControl(T *widget, int id)
     return widget;
 }
 
-KCSerialDefDlg::KCSerialDefDlg(QWidget *parent, KCDataDoc *doc) : QDialog(parent), m_doc(doc), m_settings(doc)
+KCSerialDefDlg::KCSerialDefDlg(QWidget *parent, KCDataDoc *doc) : QDialog(parent), m_doc(doc), m_settings(&doc->serialState())
 {
     setWindowTitle(tr("Serial Numbers"));
     auto *top = new QVBoxLayout(this);

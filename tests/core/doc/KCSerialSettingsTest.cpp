@@ -15,7 +15,7 @@ TEST(KCSerialSettings, ApplyShowsTheNextNumberAndNeverConsumesIt)
 {
     KCSerialTestHost host;
     KCDataDoc doc;
-    KCSerialSettings s(&doc);
+    KCSerialSettings s(&doc.serialState());
     EXPECT_EQ(s.choice(), KCSerialSettings::ChoiceNone);
 
     s.setChoice(KCSerialSettings::ChoiceInternal); // the default file is created on first use
@@ -36,7 +36,7 @@ TEST(KCSerialSettings, ApplyShowsTheNextNumberAndNeverConsumesIt)
     EXPECT_TRUE(s.OnApply());
     EXPECT_EQ(host.fileText(), before); // nothing consumed
     EXPECT_EQ(doc.serialMode(), KCSerialSettings::ChoiceInternal);
-    EXPECT_EQ(KCSerialSettings::GetSerialChoiceType(doc), KCSerialSettings::ChoiceInternal);
+    EXPECT_EQ(KCSerialSettings::GetSerialChoiceType(doc.serialState()), KCSerialSettings::ChoiceInternal);
     for (unsigned i = 0; i < 4; ++i)
         EXPECT_EQ(doc.GetData(0x10 + i), static_cast<unsigned char>(preview[i])) << i;
     EXPECT_TRUE(doc.IsModified());
@@ -60,7 +60,7 @@ TEST(KCSerialSettings, AFileWithoutUsableNumbersTurnsSerialsOff)
     const std::string bad = host.dir + "/bad.ser";
     std::ofstream(bad) << "Broken\n{\nTYPE=ODD\n}\n";
     KCDataDoc doc;
-    KCSerialSettings s(&doc);
+    KCSerialSettings s(&doc.serialState());
     s.setChoice(KCSerialSettings::ChoiceCustom);
     s.setFileName(bad);
     s.OnApply();

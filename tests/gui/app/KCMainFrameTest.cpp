@@ -243,7 +243,7 @@ TEST_F(MainFrame, TakeNextSerialNumberConsumesOneIntoTheBuffer)
     ASSERT_TRUE(f.open(QIODevice::WriteOnly));
     f.write("Line\r\n{\r\nTYPE=CALC\r\nLENGTH=1\r\nNEXT=0x41\r\nSTEP=0x1\r\n}\r\n");
     f.close();
-    KCSerialSettings settings(doc);
+    KCSerialSettings settings(&doc->serialState());
     settings.setChoice(KCSerialSettings::ChoiceCustom);
     settings.setFileName(ser.toStdString());
     settings.setFlag(KCSerialDefCtrl::FlagBin);
