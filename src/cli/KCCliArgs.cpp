@@ -2,6 +2,11 @@
 
 #include "KCNumberText.h"
 
+#include <cerrno>
+#include <cstring>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cctype>
 
 KCCliArgs::KCCliArgs(const std::vector<std::string> &args, const std::set<std::string> &valueOptions,
@@ -41,6 +46,24 @@ std::string KCCliArgs::value(const std::string &option, const std::string &fallb
 {
     const auto it = m_values.find(option);
     return it == m_values.end() ? fallback : it->second;
+}
+
+std::string KCCliArgs::outputProblem(const std::string &path)
+{
+    if (path == "-")
+        return std::string();
+    struct stat st;
+    if (::stat(path.c_str(), &st) == 0) {
+        if (S_ISDIR(st.st_mode))
+            return path + " is a folder";
+        if (::access(path.c_str(), W_OK) != 0)
+            return "cannot write " + path + ": " + std::strerror(errno);
+    }
+    const size_t slash = path.find_last_of('/');
+    const std::string folder = slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
+    if (::access(folder.c_str(), W_OK | X_OK) != 0)
+        return "cannot write into " + folder + ": " + std::strerror(errno);
+    return std::string();
 }
 
 bool KCCliArgs::parseNumber(const std::string &text, uint64_t &value, uint64_t max)

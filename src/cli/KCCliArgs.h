@@ -23,6 +23,9 @@ public:
     std::string value(const std::string &option, const std::string &fallback = {}) const;
 
     // "0x1F" hexadecimal, otherwise decimal; false when not a number or too large.
+    // Why OUT cannot be written (its folder missing or not writable, a folder of that name),
+    // or empty; checked before work that cannot be repeated.
+    static std::string outputProblem(const std::string &path);
     static bool parseNumber(const std::string &text, uint64_t &value, uint64_t max = UINT64_MAX);
     // "START:END", both inclusive.
     static bool parseRange(const std::string &text, uint64_t &start, uint64_t &end);

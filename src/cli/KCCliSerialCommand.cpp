@@ -107,32 +107,33 @@ int KCCliSerialCommand::runStamp(const std::vector<std::string> &rawArgs)
     doc.setSerialFlags(representation->second
                        | (a.has("little-endian") ? Ctrl::FlagLittleEndian : Ctrl::FlagBigEndian));
     doc.setSerialAddress(static_cast<unsigned>(address));
-    doc.setSerialByteCount(0); // first only look at the number
+    doc.setSerialByteCount(static_cast<unsigned>(count));
     host.setVerbose(true);
-    if (!doc.EnableSerialNumberUsability(1) || !doc.GetNextSerialNumberFromFile(0, 1)) {
-        std::fprintf(stderr, "krldv: %s: no serial number to be had (%s)\n", defFile.c_str(),
-                     doc.serialDefCtrl() ? "the first block gives none" : "cannot read the file");
+    if (!doc.EnableSerialNumberUsability(1)) {
+        std::fprintf(stderr, "krldv: %s: cannot read the serial number definition\n", defFile.c_str());
         return CLI_INPUT_ERROR;
     }
     host.setVerbose(false);
-    doc.setSerialByteCount(static_cast<unsigned>(count));
-    // Make room for the number before taking it, so a number is never consumed for nothing.
-    const uint64_t end = address + std::min<uint64_t>(count, doc.serialNumberText().size());
-    if (end > doc.GetBufferSize() && !doc.AlgoParam().buffer(0).resize(end, host.GetFillByte())) {
-        std::fprintf(stderr, "krldv: %s: not enough memory\n", image.c_str());
+    // Everything that can be known to fail is checked before a number is taken, so a number
+    // is never consumed for nothing: the number whole in its place, the output writable.
+    std::string why = doc.serialState().stampProblem();
+    const std::string &output = a.value("output");
+    if (why.empty())
+        why = KCCliArgs::outputProblem(output);
+    if (!why.empty()) {
+        std::fprintf(stderr, "krldv: %s: %s; no number was taken from %s\n", image.c_str(), why.c_str(),
+                     defFile.c_str());
         return CLI_INPUT_ERROR;
     }
-    if (!doc.GetNextSerialNumberFromFile(1, 1)) {
-        std::fprintf(stderr, "krldv: %s: the number could not be taken\n", defFile.c_str());
+    std::string report;
+    if (!doc.serialState().takeNext(report)) {
+        std::fprintf(stderr, "krldv: %s: %s\n", defFile.c_str(), report.c_str());
         return CLI_INPUT_ERROR;
     }
     const std::string number = doc.serialNumberText().substr(0, count);
-    TAG_BUFFER_PARAM *param = doc.mainBufferParam();
-    param->SBSA = param->SBEA = 0xFFFFFFFF;
-    param->fileType = KCFormatNames::loadSaveType(to->name);
-    if (!doc.OnSaveDocument(a.value("output").c_str())) {
-        std::fprintf(stderr, "krldv: %s: not written; the serial number was taken and is lost\n",
-                     a.value("output").c_str());
+    doc.mainBufferParam()->fileType = KCFormatNames::loadSaveType(to->name);
+    if (!doc.OnSaveDocument(output.c_str())) {
+        std::fprintf(stderr, "krldv: %s: not written; the serial number was taken and is lost\n", output.c_str());
         return CLI_INPUT_ERROR;
     }
     printNumber(number, doc.serialFlags() & Ctrl::FlagAsc);

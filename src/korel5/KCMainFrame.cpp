@@ -201,22 +201,16 @@ void KCMainFrame::takeNextSerialNumber()
 {
     if (!m_doc || m_doc->serialMode() == 0)
         return;
-    // As before each device of a production run: the number is consumed from the file.
-    if (m_doc->GetNextSerialNumberFromFile(1, 1)) {
-        const std::string &n = m_doc->serialNumberText();
-        QString hex;
-        for (unsigned char c : n)
-            hex += QStringLiteral("%1 ").arg(c, 2, 16, QLatin1Char('0')).toUpper();
-        g_pMainProgDataExChange->ShowMessage(QStringLiteral("Serial number %1at 0x%2")
-                                                 .arg(hex)
-                                                 .arg(m_doc->serialAddress(), 8, 16, QLatin1Char('0'))
-                                                 .toUpper()
-                                                 .toStdString());
-    } else {
-        g_pMainProgDataExChange->ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error)
-                                             + "No serial number could be taken from "
-                                             + m_doc->serialDefPath());
+    // As before each device of a production run: the number is consumed from the file, but
+    // only when it can be written whole where it belongs.
+    std::string report;
+    if (m_doc->serialState().takeNext(report)) {
+        g_pMainProgDataExChange->ShowMessage(report);
+        return;
     }
+    const std::string text = "No serial number was taken: " + report;
+    g_pMainProgDataExChange->ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + text);
+    g_pMainProgDataExChange->MessageBox(text, KCPrompt::MB_OK | KCPrompt::MB_ICONERROR);
 }
 
 void KCMainFrame::createMenus()

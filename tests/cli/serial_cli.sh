@@ -33,15 +33,30 @@ msg=$("$KRLDV" serial next "$T/other.ser" 2>&1); check "missing file" "$?" 1
 case "$msg" in *other.ser*) ;; *) echo "FAIL message does not name the file: $msg"; fail=1 ;; esac
 "$KRLDV" serial --help | grep -q "usage: krldv serial" || { echo "FAIL --help"; fail=1; }
 
-# Stamping consumes one number into a copy of the image; a number past the image grows it.
+# Stamping consumes one number into a copy of the image, which keeps its shape.
 printf ':0400000001020304F2\r\n:00000001FF\r\n' > "$T/img.hex"
 printf 'S\r\n{\r\nTYPE=CALC\r\nLENGTH=2\r\nNEXT=0x1234\r\nSTEP=0x2\r\n}\r\n' > "$T/stamp.ser"
 check "stamp prints the number" "$("$KRLDV" serial stamp "$T/img.hex" "$T/stamp.ser" --address 2 --repr hex-bin -o "$T/s1.bin")" "12 34"
 check "stamped image" "$(od -An -tx1 "$T/s1.bin" | tr -d ' \n')" "01021234"
 check "file advanced" "$("$KRLDV" serial next "$T/stamp.ser" --repr hex-bin)" "12 36"
-"$KRLDV" serial stamp "$T/img.hex" "$T/stamp.ser" --address 6 --count 3 --repr dec-asc -o "$T/s2.hex" >/dev/null
-check "grown image" "$("$KRLDV" convert "$T/s2.hex" "$T/s2.bin" && od -An -c "$T/s2.bin" | tr -d ' \n')" "001002003004377377046"
+# Gaps stay gaps: only the data and the stamped bytes are records.
+printf ':020000000102FB\r\n:024000000304B7\r\n:00000001FF\r\n' > "$T/sparse.hex"
+"$KRLDV" serial stamp "$T/sparse.hex" "$T/stamp.ser" --address 0x20 --repr hex-bin -o "$T/s2.hex" >/dev/null
+check "stamped sparse image" "$(tr -d '\r' < "$T/s2.hex" | tr '\n' ' ')" ":020000000102FB :02002000123696 :024000000304B7 :00000001FF "
+
+# Refused before anything is taken: a number longer than its bytes (it would be cut, and
+# devices would share numbers), a place outside the image, an output that cannot be written.
+msg=$("$KRLDV" serial stamp "$T/img.hex" "$T/stamp.ser" --address 0 --count 3 --repr dec-asc -o "$T/s3.hex" 2>&1)
+check "number longer than its bytes" "$?" 1
+echo "$msg" | grep -q "set the byte count to 5 or more" || { echo "FAIL cut number message: $msg"; fail=1; }
+"$KRLDV" serial stamp "$T/img.hex" "$T/stamp.ser" --address 3 --repr hex-bin -o "$T/s3.bin" >/dev/null 2>&1
+check "past the end of the image" "$?" 1
+"$KRLDV" serial stamp "$T/img.hex" "$T/stamp.ser" --address 0xFFFFFFFE --repr hex-bin -o "$T/s3.bin" >/dev/null 2>&1
+check "at the top of the address space" "$?" 1
+"$KRLDV" serial stamp "$T/img.hex" "$T/stamp.ser" --address 0 --repr hex-bin -o "$T/no/such/dir/s.bin" >/dev/null 2>&1
+check "output folder missing" "$?" 1
 "$KRLDV" serial stamp "$T/img.hex" "$T/stamp.ser" -o "$T/s3.bin" >/dev/null 2>&1; check "stamp without address" "$?" 2
 "$KRLDV" serial stamp "$T/img.hex" "$T/none.ser" --address 0 -o "$T/s3.bin" >/dev/null 2>&1; check "stamp with a missing file" "$?" 1
 check "nothing consumed by failures" "$("$KRLDV" serial next "$T/stamp.ser" --repr hex-bin)" "12 38"
+[ ! -e "$T/s3.bin" ] && [ ! -e "$T/s3.hex" ] || { echo "FAIL a refused stamp wrote an output"; fail=1; }
 exit $fail

@@ -122,6 +122,20 @@ bool KCSerialSettings::preview(std::string &bytes) const
     return true;
 }
 
+std::string KCSerialSettings::conflict() const
+{
+    if (m_choice == ChoiceNone || m_fileName.empty())
+        return std::string();
+    KCSerialDefCtrl ctrl(m_state->host(), m_fileName);
+    unsigned flags = m_flags, length = 0, value = 0;
+    std::string data(KCSerialDefCtrl::DataBufferSize, '\0'), bytes;
+    if (!ctrl.SERIAL_GetNextSerialNumber(0, &flags, &length, &value, &data[0], &bytes, 0, 1))
+        return std::string();
+    KCSerialTarget &target = m_state->target();
+    return KCSerialState::placementProblem(bytes.size(), m_byteCount, m_address,
+                                           target.hasSerialTarget() ? target.serialTargetSize() : 0);
+}
+
 std::string KCSerialSettings::previewText() const
 {
     std::string bytes;

@@ -45,6 +45,8 @@ public:
     bool preview(std::string &bytes) const;
     // The preview for a person: hex bytes, and the text for ASCII representations.
     std::string previewText() const;
+    // Why the next number could not be written whole with these settings, or empty.
+    std::string conflict() const;
 
     // Applies to the document; never consumes a number. Returns true when the document changed.
     bool OnApply();

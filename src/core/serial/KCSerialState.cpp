@@ -129,27 +129,33 @@ bool KCSerialState::peek(std::string &number)
     return m_ctrl->SERIAL_GetNextSerialNumber(0, &flags, &length, &value, &data[0], &number, 0, 1) != 0;
 }
 
+std::string KCSerialState::placementProblem(size_t numberBytes, unsigned byteCount, unsigned address,
+                                            uint64_t targetSize)
+{
+    char text[320];
+    if (numberBytes > byteCount) {
+        std::snprintf(text, sizeof text,
+                      "the next serial number takes %zu bytes but %u are set aside for it: it would be cut and "
+                      "devices would get the same number; set the byte count to %zu or more",
+                      numberBytes, byteCount, numberBytes);
+        return text;
+    }
+    if (uint64_t(address) + numberBytes > targetSize) {
+        std::snprintf(text, sizeof text,
+                      "the serial number at 0x%08X (%zu bytes) does not fit in the buffer (0x%llX bytes)", address,
+                      numberBytes, static_cast<unsigned long long>(targetSize));
+        return text;
+    }
+    return std::string();
+}
+
 std::string KCSerialState::stampProblem()
 {
     std::string number;
     if (!peek(number))
         return "no serial number can be had from " + m_defPath;
-    char text[320];
-    if (number.size() > m_byteCount) {
-        std::snprintf(text, sizeof text,
-                      "the next serial number takes %zu bytes but %u are set aside for it: it would be cut and "
-                      "devices would get the same number; set the byte count to %zu or more",
-                      number.size(), m_byteCount, number.size());
-        return text;
-    }
-    const uint64_t end = uint64_t(m_address) + number.size();
-    if (!m_target.hasSerialTarget() || end > m_target.serialTargetSize()) {
-        std::snprintf(text, sizeof text,
-                      "the serial number at 0x%08X (%zu bytes) does not fit in the buffer (0x%llX bytes)", m_address,
-                      number.size(), static_cast<unsigned long long>(m_target.serialTargetSize()));
-        return text;
-    }
-    return std::string();
+    const uint64_t size = m_target.hasSerialTarget() ? m_target.serialTargetSize() : 0;
+    return placementProblem(number.size(), m_byteCount, m_address, size);
 }
 
 bool KCSerialState::takeNext(std::string &report)
@@ -168,8 +174,8 @@ bool KCSerialState::takeNext(std::string &report)
 std::string KCSerialState::writtenText() const
 {
     const bool text = (m_flags & KCSerialDefCtrl::FlagAsc) != 0;
+    const size_t n = std::min<size_t>(m_number.size(), m_byteCount);
     char where[96];
-    std::snprintf(where, sizeof where, " written at 0x%08X (%zu bytes)", m_address,
-                  std::min<size_t>(m_number.size(), m_byteCount));
+    std::snprintf(where, sizeof where, " written at 0x%08X (%zu %s)", m_address, n, n == 1 ? "byte" : "bytes");
     return "Serial number " + (text ? m_number : hexBytes(m_number)) + where;
 }

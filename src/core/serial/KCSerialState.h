@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -28,6 +30,9 @@ public:
     // number longer than the bytes set aside for it (it would be cut, and devices would get
     // the same number), or a place outside the buffer. Looks at the number without taking it.
     std::string stampProblem();
+    // The same rule for a number of `numberBytes` bytes, set up as given.
+    static std::string placementProblem(size_t numberBytes, unsigned byteCount, unsigned address,
+                                        uint64_t targetSize);
     // Takes the next number and writes it, as before each device of a production run, after
     // the checks above. `report` says what was written, or why nothing was taken.
     bool takeNext(std::string &report);

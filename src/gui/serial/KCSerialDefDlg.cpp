@@ -107,6 +107,11 @@ KCSerialDefDlg::KCSerialDefDlg(QWidget *parent, KCDataDoc *doc) : QDialog(parent
     m_preview = addControl(new QLabel(numberBox), IDC_SERIAL_PREVIEW);
     m_preview->setTextInteractionFlags(Qt::TextSelectableByMouse);
     form->addRow(tr("Next device gets:"), m_preview);
+    m_conflict = addControl(new QLabel(numberBox), IDC_SERIAL_CONFLICT);
+    m_conflict->setWordWrap(true);
+    m_conflict->setStyleSheet(QStringLiteral("color: #C00000"));
+    m_conflict->setVisible(false);
+    form->addRow(m_conflict);
     top->addWidget(numberBox);
     m_numberControls = {m_address, m_byteCount, m_length, m_next, m_step, saveDefault, decHex, ascBin, endian};
 
@@ -183,6 +188,10 @@ void KCSerialDefDlg::UpdatePreviewFrame()
 {
     const std::string text = m_settings.previewText();
     m_preview->setText(text.empty() ? tr("(none)") : QString::fromLatin1(text.data(), int(text.size())));
+    // A setting that would cut the number, or put it outside the buffer, shows before Apply.
+    const std::string conflict = m_settings.conflict();
+    m_conflict->setText(QString::fromStdString(conflict));
+    m_conflict->setVisible(!conflict.empty());
 }
 
 void KCSerialDefDlg::showFlags()
@@ -245,8 +254,10 @@ void KCSerialDefDlg::OnSerialFiledialog()
 void KCSerialDefDlg::OnEDIT_ChangedAdr()
 {
     unsigned v = 0;
-    if (parseHex(m_address->text(), v))
+    if (parseHex(m_address->text(), v)) {
         m_settings.setAddress(v);
+        UpdatePreviewFrame();
+    }
 }
 
 void KCSerialDefDlg::OnEDITChangeSerialByteCount()

@@ -35,6 +35,7 @@ enum KCSerialDefDlgControl : int {
     IDC_SERIAL_LITTLEENDIAN = 3117,
     IDC_SERIAL_PREVIEW = 3118,
     IDC_SERIAL_APPLY = 3119,
+    IDC_SERIAL_CONFLICT = 3120, // ours: why the settings cannot write the next number
 };
 
 // The serial-number dialog: which definition file, where the number goes and how it looks.
@@ -89,5 +90,6 @@ private:
     QSpinBox *m_byteCount;
     QRadioButton *m_dec, *m_hex, *m_asc, *m_bin, *m_big, *m_little;
     QLabel *m_preview;
+    QLabel *m_conflict;
     bool m_updating = false;
 };

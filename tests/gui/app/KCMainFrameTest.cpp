@@ -256,6 +256,18 @@ TEST_F(MainFrame, TakeNextSerialNumberConsumesOneIntoTheBuffer)
     take->trigger();
     take->trigger();
     EXPECT_EQ(doc->GetData(0x20), 0x42);
+    EXPECT_EQ(lastMessage()->text(), "Serial number 42 written at 0x00000020 (1 byte)");
+    ASSERT_TRUE(f.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(f.readAll().contains("NEXT=0x43"));
+    f.close();
+
+    // Decimal text takes three digits for a one-byte block: one byte would cut it, so nothing
+    // is taken and the user is told why.
+    settings.setFlag(KCSerialDefCtrl::FlagDec);
+    settings.setFlag(KCSerialDefCtrl::FlagAsc);
+    settings.OnApply();
+    take->trigger();
+    EXPECT_TRUE(lastMessage()->text().contains("set the byte count to 3 or more")) << lastMessage()->text().toStdString();
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
     EXPECT_TRUE(f.readAll().contains("NEXT=0x43"));
 }

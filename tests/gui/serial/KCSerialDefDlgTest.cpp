@@ -44,10 +44,15 @@ TEST(KCSerialDefDlg, PreviewFollowsTheRepresentationAndApplyDoesNotConsume)
     click(dlg, IDC_SERIAL_SAVE_DEFAULT);
     EXPECT_EQ(preview(dlg), "\"000000ab\"  (30 30 30 30 30 30 61 62)");
 
-    click(dlg, IDC_SERIAL_DEC); // four bytes take ten digits: eight fit
+    auto *conflict = qobject_cast<QLabel *>(dlg.control(IDC_SERIAL_CONFLICT));
+    EXPECT_TRUE(conflict->isHidden());
+    click(dlg, IDC_SERIAL_DEC); // four bytes take ten digits: eight fit, and that is shown
     EXPECT_EQ(preview(dlg), "\"00000001\"  (30 30 30 30 30 30 30 31)");
+    EXPECT_FALSE(conflict->isHidden());
+    EXPECT_TRUE(conflict->text().contains("set the byte count to 10 or more")) << conflict->text().toStdString();
     qobject_cast<QSpinBox *>(dlg.control(IDC_SERIAL_BYTECOUNT))->setValue(10);
     EXPECT_EQ(preview(dlg), "\"0000000171\"  (30 30 30 30 30 30 30 31 37 31)");
+    EXPECT_TRUE(conflict->isHidden());
     click(dlg, IDC_SERIAL_LITTLEENDIAN);
     EXPECT_EQ(preview(dlg), "\"1710000000\"  (31 37 31 30 30 30 30 30 30 30)");
     click(dlg, IDC_SERIAL_BIN);
