@@ -38,6 +38,7 @@ void KCCliHost::ShowMessage(const std::string &text, uint32_t, uint32_t, int)
         break;
     }
     std::fprintf(stderr, "krldv: %s%s\n", prefix, p.text.c_str());
+    ++m_shown;
 }
 
 void KCCliHost::SetStatusBarText(unsigned, const std::string &text)

@@ -30,6 +30,8 @@ public:
     void setFillByte(uint8_t fill) { m_fillByte = fill; }
     const std::string &lastStatusText() const { return m_status; }
     int errorCount() const { return m_errors; }
+    // Messages printed so far: a command adds its own summary only when nothing told the cause.
+    int shownCount() const { return m_shown; }
 
     static constexpr const char *NoDeviceName = "No Device";
 
@@ -40,6 +42,7 @@ private:
     std::string m_lastDirectory;
     std::string m_status;
     int m_errors = 0;
+    int m_shown = 0;
     bool m_verbose = false;
     KCMainProgDataExChange *m_previousHost;
 };

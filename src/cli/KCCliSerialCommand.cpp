@@ -110,7 +110,8 @@ int KCCliSerialCommand::runStamp(const std::vector<std::string> &rawArgs)
     doc.setSerialByteCount(static_cast<unsigned>(count));
     host.setVerbose(true);
     if (!doc.EnableSerialNumberUsability(1)) {
-        std::fprintf(stderr, "krldv: %s: cannot read the serial number definition\n", defFile.c_str());
+        if (host.shownCount() == 0)
+            std::fprintf(stderr, "krldv: %s: cannot read the serial number definition\n", defFile.c_str());
         return CLI_INPUT_ERROR;
     }
     host.setVerbose(false);
@@ -184,6 +185,8 @@ int KCCliSerialCommand::runNext(const std::string &defFile, int block, unsigned 
     std::string bytes;
     char data[Ctrl::DataBufferSize];
     if (!ctrl.SERIAL_GetNextSerialNumber(block, &flags, &length, &value, data, &bytes, advance, 1)) {
+        if (host.shownCount() > 0)
+            return CLI_INPUT_ERROR; // the definition's own message told the cause
         if (ctrl.fileText().empty())
             std::fprintf(stderr, "krldv: %s: cannot read the serial number definition\n", defFile.c_str());
         else if (ctrl.blockCount() == 0)

@@ -59,4 +59,37 @@ check "output folder missing" "$?" 1
 "$KRLDV" serial stamp "$T/img.hex" "$T/none.ser" --address 0 -o "$T/s3.bin" >/dev/null 2>&1; check "stamp with a missing file" "$?" 1
 check "nothing consumed by failures" "$("$KRLDV" serial next "$T/stamp.ser" --repr hex-bin)" "12 38"
 [ ! -e "$T/s3.bin" ] && [ ! -e "$T/s3.hex" ] || { echo "FAIL a refused stamp wrote an output"; fail=1; }
+
+# Definition-file rules: only a lower-case 0x is hexadecimal, a blank before a trailing ";" is
+# no blank in the value, and numbers above 32 bits are told with their line.
+printf 'S\r\n{\r\nTYPE=CALC\r\nLENGTH=1\r\nNEXT=0X10 ;\r\nSTEP=1\r\n}\r\n' > "$T/rules.ser"
+check "0X is decimal" "$("$KRLDV" serial next "$T/rules.ser" --repr hex-bin)" "00"
+printf 'S\r\n{\r\nTYPE=CALC\r\nLENGTH=1\r\nNEXT=0x7 ;\r\nSTEP=1\r\n}\r\n' > "$T/rules.ser"
+check "blank before a trailing semicolon" "$("$KRLDV" serial next "$T/rules.ser" --repr hex-bin)" "07"
+printf 'S\r\n{\r\nTYPE=CALC\r\nLENGTH=4294967295\r\nNEXT=0x123456789\r\nSTEP=1\x01\x02\r\n}\r\n' > "$T/rules.ser"
+msg=$("$KRLDV" serial next "$T/rules.ser" 2>&1)
+for part in "rules.ser(5): NEXT=0x123456789 does not fit in 32 bits" "LENGTH 4294967295 is not 1 to 4" \
+            "rules.ser(6): control character 0x01" "rules.ser(6): control character 0x02"; do
+  echo "$msg" | grep -qF "$part" || { echo "FAIL definition message '$part' in: $msg"; fail=1; }
+done
+printf 'S\r\n{\r\nTYPE=CALC\r\nLENGTH=1\r\nNEXT=1\r\n' > "$T/open.ser"
+msg=$("$KRLDV" serial next "$T/open.ser" 2>&1)
+echo "$msg" | grep -qF 'open.ser(2): serial number block "S" has no closing "}"' || { echo "FAIL unclosed block: $msg"; fail=1; }
+
+# A definition file is locked and rewritten in place: a FIFO is refused at once.
+mkfifo "$T/fifo.ser"
+msg=$(timeout 10 "$KRLDV" serial next "$T/fifo.ser" 2>&1); rc=$?
+check "FIFO definition refused" "$rc" 1
+echo "$msg" | grep -q "not a regular file" || { echo "FAIL FIFO message: $msg"; fail=1; }
+head -c $((17 * 1024 * 1024)) /dev/zero | tr '\0' ' ' > "$T/big.ser"
+"$KRLDV" serial next "$T/big.ser" 2>&1 | grep -q "larger than 16 MiB" || { echo "FAIL too large a definition"; fail=1; }
+
+# A write-back that cannot grow the file (here a file-size limit; a full disk alike) tells
+# the system's reason and hands out nothing.
+{ printf 'S\r\n{\r\nTYPE=CALC\r\nLENGTH=1\r\nNEXT=0xf\r\nSTEP=1\r\n}\r\n'; head -c 985 /dev/zero | tr '\0' ' '; } > "$T/full.ser"
+out=$(bash -c "trap '' XFSZ; ulimit -f 1; '$KRLDV' serial next '$T/full.ser' --advance --repr hex-bin" 2>"$T/err"); rc=$?
+check "write-back failure" "$rc" 1
+check "nothing printed on failure" "$out" ""
+grep -q "cannot write it back; no serial number was taken: File too large" "$T/err" || { echo "FAIL write-back message: $(cat "$T/err")"; fail=1; }
+check "file unchanged" "$(grep -c 'NEXT=0xf' "$T/full.ser")" 1
 exit $fail

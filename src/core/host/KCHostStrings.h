@@ -33,6 +33,12 @@ constexpr unsigned SerialUnknownType = 0xEF32;  // file, line, block name
 constexpr unsigned SerialBadLength = 0xEF33;    // file, line, block name, length
 constexpr unsigned SerialControlChar = 0xEF39;  // file, line, byte
 constexpr unsigned SerialNoNumberLine = 0xEF3A; // file, line, block name
+constexpr unsigned SerialNumberTooLarge = 0xEF3B; // file, line, key, value
+constexpr unsigned SerialElementTooLong = 0xEF3C; // file, line, length, most
+constexpr unsigned SerialUnclosedBlock = 0xEF3D;  // file, line, block name
+constexpr unsigned SerialNotAFile = 0xEF3E;       // file
+constexpr unsigned SerialFileTooLarge = 0xEF3F;   // file, most MiB
+constexpr unsigned SerialFileError = 0xEF40;      // file, what failed, the system's reason
 
 struct Entry
 {
@@ -71,6 +77,12 @@ constexpr Entry All[] = {
     {SerialBadLength, 4},
     {SerialControlChar, 3},
     {SerialNoNumberLine, 3},
+    {SerialNumberTooLarge, 4},
+    {SerialElementTooLong, 4},
+    {SerialUnclosedBlock, 3},
+    {SerialNotAFile, 1},
+    {SerialFileTooLarge, 2},
+    {SerialFileError, 3},
 };
 
 } // namespace KCHostStrings

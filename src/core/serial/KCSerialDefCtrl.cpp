@@ -44,9 +44,10 @@ int digitValue(char c, int radix)
     return v < radix ? v : -1;
 }
 
+// Only a lower-case "0x" makes a number hexadecimal: "0X1F" is decimal and reads 0.
 bool hasHexPrefix(const char *text, size_t size)
 {
-    return size >= 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
+    return size >= 2 && text[0] == '0' && text[1] == 'x';
 }
 
 bool equalsNoCase(const std::string &a, const char *b)
@@ -74,9 +75,11 @@ std::string trimmed(const char *begin, const char *end)
 }
 
 // Hexadecimal ("0x") or decimal; stops at the first character that is no digit of the base
-// and saturates at the largest 32-bit value.
-uint32_t parseNumber(const std::string &value)
+// and saturates at the largest 32-bit value, which `overflow` tells.
+uint32_t parseNumber(const std::string &value, bool *overflow = nullptr)
 {
+    if (overflow)
+        *overflow = false;
     int radix = Decimal;
     size_t i = 0;
     if (hasHexPrefix(value.data(), value.size())) {
@@ -88,7 +91,12 @@ uint32_t parseNumber(const std::string &value)
         const int d = digitValue(value[i], radix);
         if (d < 0)
             break;
-        v = std::min<uint64_t>(v * static_cast<uint64_t>(radix) + static_cast<uint64_t>(d), MaxNumber);
+        v = v * static_cast<uint64_t>(radix) + static_cast<uint64_t>(d);
+        if (v > MaxNumber) {
+            v = MaxNumber;
+            if (overflow)
+                *overflow = true;
+        }
     }
     return static_cast<uint32_t>(v);
 }
@@ -183,6 +191,10 @@ std::unique_ptr<cSerialDefFile> KCSerialDefCtrl::FILE_OpenDef(unsigned mode)
             created = true;
             continue;
         }
+        if (result == cSerialDefFile::NotRegular)
+            showMessage(KCHostStrings::SerialNotAFile, {m_fileName});
+        else if (result == cSerialDefFile::Failed)
+            showMessage(KCHostStrings::SerialFileError, {m_fileName, "cannot open it", file->errorText()});
         file.reset();
         break;
     }
@@ -194,6 +206,10 @@ int KCSerialDefCtrl::FILE_ReadDef(cSerialDefFile *file)
 {
     resetTextCaches();
     if (!file || !file->readAll(&m_text, MaxFileSize)) {
+        if (file && file->tooLarge())
+            showMessage(KCHostStrings::SerialFileTooLarge, {m_fileName, static_cast<unsigned>(MaxFileSize >> 20)});
+        else if (file)
+            showMessage(KCHostStrings::SerialFileError, {m_fileName, "cannot read it", file->errorText()});
         m_text.clear();
         return 0;
     }
@@ -202,7 +218,14 @@ int KCSerialDefCtrl::FILE_ReadDef(cSerialDefFile *file)
 
 int KCSerialDefCtrl::FILE_WriteDef(cSerialDefFile *file)
 {
-    return file && file->replaceAll(m_text) ? 1 : 0;
+    if (!file)
+        return 0;
+    if (file->replaceAll(m_text))
+        return 1;
+    // The caller hands out nothing: the number is not used, whatever reached the disk.
+    showMessage(KCHostStrings::SerialFileError,
+                {m_fileName, "cannot write it back; no serial number was taken", file->errorText()});
+    return 0;
 }
 
 int KCSerialDefCtrl::FILE_CloseDef(cSerialDefFile *file)
@@ -272,7 +295,7 @@ int KCSerialDefCtrl::SERIAL_GetNextSerialCalcNumber(TAG_SERIAL_NUMBER *block, un
     *flags = (*flags & ~(FlagList | FlagConsumed)) | FlagCalc | (advance ? FlagConsumed : 0);
     if (block->length < MinCalcLength || block->length > MaxCalcLength) {
         showMessage(KCHostStrings::SerialBadLength, {m_fileName, lineNumberAt(block->braceOpen) + 1, block->name,
-                                   static_cast<unsigned>(block->length)});
+                                                     block->lengthText.empty() ? std::string("0") : block->lengthText});
         return 0;
     }
     if (!SERIAL_FORMAT_SerialCalcNumber(*flags, block->length, block->next, text))
@@ -475,8 +498,10 @@ int KCSerialDefCtrl::BUFR_ParseBlockBody(TAG_SERIAL_NUMBER *block)
         if (depth == 0)
             break;
     }
-    if (depth != 0)
+    if (depth != 0) {
+        showMessage(KCHostStrings::SerialUnclosedBlock, {m_fileName, lineNumberAt(block->braceOpen) + 1, block->name});
         return 0;
+    }
 
     uint32_t pos = block->readPos;
     int line = lineNumberAt(pos);
@@ -554,6 +579,15 @@ int KCSerialDefCtrl::BUFR_GetParameter(uint32_t dataStart, uint32_t dataEnd, std
     return std::any_of(value->begin(), value->end(), isBlank) ? -1 : 1;
 }
 
+uint32_t KCSerialDefCtrl::number(const std::string &key, const std::string &value, int line) const
+{
+    bool overflow = false;
+    const uint32_t v = parseNumber(value, &overflow);
+    if (overflow)
+        showMessage(KCHostStrings::SerialNumberTooLarge, {m_fileName, line + 1, key, value});
+    return v;
+}
+
 int KCSerialDefCtrl::BUFR_SetParameter(TAG_SERIAL_NUMBER *block, const std::string &key,
                                        const std::string &value, int line) const
 {
@@ -565,19 +599,24 @@ int KCSerialDefCtrl::BUFR_SetParameter(TAG_SERIAL_NUMBER *block, const std::stri
         else
             return 0;
     } else if (equalsNoCase(key, "LENGTH")) {
-        block->length = static_cast<uint16_t>(std::min<uint32_t>(parseNumber(value), MaxLengthField));
+        block->length = static_cast<uint16_t>(std::min<uint32_t>(number(key, value, line), MaxLengthField));
+        block->lengthText = value;
     } else if (equalsNoCase(key, "NEXT")) {
-        block->next = parseNumber(value);
+        block->next = number(key, value, line);
         block->nextText = value;
         block->nextLine = line;
     } else if (equalsNoCase(key, "STEP")) {
-        block->step = parseNumber(value);
+        block->step = number(key, value, line);
     } else if (equalsNoCase(key, "NEXTINDEX")) {
-        block->nextIndex = parseNumber(value);
+        block->nextIndex = number(key, value, line);
         block->nextIndexLine = line;
     } else if (equalsNoCase(key, "LIST_NUMBER")) {
-        if (value.size() > MaxElementLength)
+        if (value.size() > MaxElementLength) {
+            showMessage(KCHostStrings::SerialElementTooLong,
+                        {m_fileName, line + 1, static_cast<unsigned>(std::min<size_t>(value.size(), UINT32_MAX)),
+                         static_cast<unsigned>(MaxElementLength)});
             return 0;
+        }
         block->elements.push_back({value});
         block->elementCount = static_cast<uint32_t>(block->elements.size());
     } else {
@@ -652,18 +691,15 @@ void KCSerialDefCtrl::showMessage(unsigned id, std::initializer_list<KCFormatArg
 void KCSerialDefCtrl::reportControlCharacters() const
 {
     int line = 1;
-    bool reported = false; // once per line
     const size_t size = m_text.size();
     for (size_t i = 0; i < size; ++i) {
         const unsigned char c = static_cast<unsigned char>(m_text[i]);
         if (c >= FirstTextByte) {
-            if (c == '\r' || (c == '\n' && (i == 0 || m_text[i - 1] != '\r'))) {
+            if (c == '\r' || (c == '\n' && (i == 0 || m_text[i - 1] != '\r')))
                 ++line;
-                reported = false;
-            }
-        } else if (c != Tab && !reported) {
+        } else if (c != Tab) {
+            // Every such byte is told, so a file with several shows each of them.
             showMessage(KCHostStrings::SerialControlChar, {m_fileName, line, static_cast<unsigned>(c)});
-            reported = true;
         }
     }
 }

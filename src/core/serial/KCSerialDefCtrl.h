@@ -116,6 +116,8 @@ protected:
     // 1 with key and value, 0 for a line that is no parameter line, -1 for a rejected value.
     int BUFR_GetParameter(uint32_t dataStart, uint32_t dataEnd, std::string *key,
                           std::string *value) const;
+    // A number of a parameter line; one above 32 bits is saturated and told.
+    uint32_t number(const std::string &key, const std::string &value, int line) const;
     int BUFR_SetParameter(TAG_SERIAL_NUMBER *block, const std::string &key,
                           const std::string &value, int line) const;
     int BUFW_ModifySerialBlocks();

@@ -23,6 +23,7 @@ struct TAG_SERIAL_NUMBER
 
     uint16_t type = TypeNone;
     uint16_t length = 0; // bytes of a CALC number, valid 1..4
+    std::string lengthText; // value text of the LENGTH line as read
     uint32_t next = 0;
     uint32_t step = 0;
     std::string name;

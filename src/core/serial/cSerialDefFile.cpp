@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
+#include <sys/stat.h>
 #include <fcntl.h>
 #include <sched.h>
 #include <time.h>
@@ -45,12 +47,21 @@ cSerialDefFile::OpenResult cSerialDefFile::open(const std::string &path, bool ex
                                                 const std::atomic<bool> &cancel)
 {
     close();
-    const int flags = (exclusive ? O_RDWR : O_RDONLY) | O_CLOEXEC;
+    // Non-blocking, so that a FIFO does not wait here for a writer before it can be refused.
+    const int flags = (exclusive ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK;
     do {
         m_fd = ::open(path.c_str(), flags);
     } while (m_fd < 0 && errno == EINTR);
-    if (m_fd < 0)
+    if (m_fd < 0) {
+        m_error = errno;
         return errno == ENOENT ? Missing : Failed;
+    }
+    struct stat st;
+    if (::fstat(m_fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        close();
+        return NotRegular;
+    }
+    ::fcntl(m_fd, F_SETFL, ::fcntl(m_fd, F_GETFL) & ~O_NONBLOCK);
     m_exclusive = exclusive;
     if (exclusive && !waitForLock(cancel)) {
         const OpenResult result = cancel.load() ? Cancelled : Failed;
@@ -69,8 +80,10 @@ bool cSerialDefFile::waitForLock(const std::atomic<bool> &cancel)
     for (unsigned attempt = 0;; ++attempt) {
         if (::fcntl(m_fd, F_OFD_SETLK, &lock) == 0)
             return true;
-        if (errno != EAGAIN && errno != EACCES && errno != EINTR)
+        if (errno != EAGAIN && errno != EACCES && errno != EINTR) {
+            m_error = errno;
             return false;
+        }
         if (cancel.load())
             return false;
         if (attempt < YieldingRetries) {
@@ -94,13 +107,16 @@ bool cSerialDefFile::readOnce(std::string *text, size_t maxSize) const
         if (n < 0) {
             if (errno == EINTR)
                 continue;
+            m_error = errno;
             return false;
         }
         got += static_cast<size_t>(n);
         if (got < text->size())
             break;
-        if (text->size() > maxSize)
+        if (text->size() > maxSize) {
+            m_tooLarge = true;
             return false;
+        }
         text->resize(std::min(text->size() * 2, maxSize + 1));
     }
     text->resize(got);
@@ -134,18 +150,39 @@ bool cSerialDefFile::replaceAll(const std::string &text)
     const off_t size = static_cast<off_t>(text.size());
     // Reserve the blocks first so that a full disk fails here and not halfway through the
     // text. Not every file system can; the write then simply goes ahead.
-    if (text.size() > m_size && ::fallocate(m_fd, FALLOC_FL_KEEP_SIZE, 0, size) != 0 && errno == ENOSPC)
+    if (text.size() > m_size && ::fallocate(m_fd, FALLOC_FL_KEEP_SIZE, 0, size) != 0 && errno == ENOSPC) {
+        m_error = errno;
         return false;
-    if (!writeAll(m_fd, text.data(), text.size(), 0))
+    }
+    // A longer text is written from its new end first: when that fails (a full disk, a size
+    // limit) the old text is still whole, cut back to its old length.
+    const size_t oldSize = std::min(m_size, text.size());
+    if (text.size() > oldSize
+        && !writeAll(m_fd, text.data() + oldSize, text.size() - oldSize, static_cast<off_t>(oldSize))) {
+        m_error = errno;
+        while (::ftruncate(m_fd, static_cast<off_t>(m_size)) != 0 && errno == EINTR) {
+        }
         return false;
+    }
+    if (!writeAll(m_fd, text.data(), oldSize, 0)) {
+        m_error = errno;
+        return false;
+    }
     int result;
     do {
         result = ::ftruncate(m_fd, size);
     } while (result != 0 && errno == EINTR);
-    if (result != 0 || ::fdatasync(m_fd) != 0)
+    if (result != 0 || ::fdatasync(m_fd) != 0) {
+        m_error = errno;
         return false;
+    }
     m_size = text.size();
     return true;
+}
+
+std::string cSerialDefFile::errorText() const
+{
+    return m_error ? std::strerror(m_error) : "unknown error";
 }
 
 bool cSerialDefFile::close()

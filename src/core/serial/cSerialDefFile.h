@@ -10,7 +10,7 @@
 class cSerialDefFile
 {
 public:
-    enum OpenResult { Opened, Missing, Cancelled, Failed };
+    enum OpenResult { Opened, Missing, Cancelled, Failed, NotRegular };
 
     cSerialDefFile() = default;
     ~cSerialDefFile();
@@ -18,6 +18,8 @@ public:
     cSerialDefFile &operator=(const cSerialDefFile &) = delete;
 
     // With `exclusive`, opens read-write and waits until the lock is free or `cancel` is set.
+    // Only a regular file can be locked and rewritten in place: anything else (a FIFO, a
+    // device) is refused at once, without waiting for a writer.
     OpenResult open(const std::string &path, bool exclusive, const std::atomic<bool> &cancel);
     bool isOpen() const { return m_fd >= 0; }
     bool isExclusive() const { return m_exclusive; }
@@ -28,6 +30,9 @@ public:
     // One write of the whole text at offset 0, truncation to its length, flush to disk.
     bool replaceAll(const std::string &text);
     bool close();
+    // Why the last operation failed, in the system's words; and whether a read failed for size.
+    std::string errorText() const;
+    bool tooLarge() const { return m_tooLarge; }
 
     // Creates `path` holding `text` unless it exists already (true then too). Other
     // stations see the file complete or not at all.
@@ -40,4 +45,6 @@ private:
     int m_fd = -1;
     bool m_exclusive = false;
     mutable size_t m_size = 0; // as last read or written
+    mutable int m_error = 0;
+    mutable bool m_tooLarge = false;
 };
