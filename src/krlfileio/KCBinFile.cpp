@@ -38,6 +38,11 @@ KCLoadResult KCBinFile::Load(const KCInputFile &file, KCByteArray &target, const
     if (!options.grow)
         limit = std::min(limit, target.size() > options.bufferOffset ? target.size() - options.bufferOffset : 0);
     const uint64_t count = std::min(available, limit);
+    // Said before the reading starts: a large file takes a while, and the user should know
+    // at once that not all of it will be in the buffer.
+    if (available > count)
+        m_sink.message(KCFileMessage::Warning, file.name, 0,
+                       format("only the first %llu of the file's %llu bytes are read", count, available));
 
     // Growing for bytes the file then fills entirely: no fill pass over them first.
     const uint64_t end = options.bufferOffset + count;
@@ -66,9 +71,7 @@ KCLoadResult KCBinFile::Load(const KCInputFile &file, KCByteArray &target, const
         loader.finish(m_sink, file.name);
     }
     result.records = count ? 1 : 0;
-    if (available > count)
-        m_sink.message(KCFileMessage::Warning, file.name, 0, format("file truncated to %llu bytes", count));
-    else if (!options.grow && available < limit)
+    if (!options.grow && available < limit)
         m_sink.message(KCFileMessage::Info, file.name, 0,
                        format("file holds %llu bytes; the remaining %llu bytes of the buffer keep the fill value",
                               available, limit - available));

@@ -16,10 +16,14 @@ public:
     KCMappedFile(const KCMappedFile &) = delete;
     KCMappedFile &operator=(const KCMappedFile &) = delete;
 
-    // False on failure; errorText() then names the file and the reason. `populate` maps all
-    // pages at once (readers walk every byte); without it the descriptor stays open in the
-    // input, for a reader that copies the file as it is.
-    bool open(const std::string &path, bool populate = true);
+    // False on failure; errorText() then names the file and the reason. `populate` reads the
+    // first pages at once (readers walk every byte); without it the descriptor stays open in
+    // the input, for a reader that copies the file as it is. "-" is standard input. What is
+    // not a regular file is read as a stream, and more than `streamLimit` bytes of it fail.
+    bool open(const std::string &path, bool populate = true, uint64_t streamLimit = DefaultStreamLimit);
+
+    // A stream cannot hold more than the largest buffer, 4 GiB.
+    static constexpr uint64_t DefaultStreamLimit = uint64_t(1) << 32;
     void close();
 
     const std::string &errorText() const { return m_error; }

@@ -37,14 +37,14 @@ TEST(KCBinFile, LoadsAtBufferOffsetWithFileOffsetAndLimits)
     o.rangeLength = 4;
     l = load("bin", tenBytes(), o);
     EXPECT_EQ(l.bytes, (std::vector<uint8_t>{0xA4, 0xA5, 0xA6, 0xA7}));
-    EXPECT_TRUE(l.sink.contains(KCFileMessage::Warning, "truncated to 4 bytes"));
+    EXPECT_TRUE(l.sink.contains(KCFileMessage::Warning, "only the first 4 of the file's 6 bytes are read"));
 
     o = {};
     o.grow = false;
     l = load("bin", tenBytes(), o, std::vector<uint8_t>(6, 0));
     EXPECT_TRUE(l.result.ok);
     EXPECT_EQ(l.bytes.size(), 6u);
-    EXPECT_TRUE(l.sink.contains(KCFileMessage::Warning, "truncated to 6 bytes"));
+    EXPECT_TRUE(l.sink.contains(KCFileMessage::Warning, "only the first 6 of the file's 10 bytes are read"));
 
     o = {};
     o.fileOffset = 11;

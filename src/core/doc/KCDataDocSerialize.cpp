@@ -14,6 +14,7 @@
 #include "KCHostStrings.h"
 #include "KCMainProgDataExChange.h"
 #include "KCMappedFile.h"
+#include "KCSaveFile.h"
 #include "KCMessageMarks.h"
 #include "KCUiAdrDataManager.h"
 
@@ -191,7 +192,9 @@ bool KCDataDoc::privateOpenDocument(const std::string &path)
     const TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
     const bool raw = param && param->fileType == LS_BINARY && m_projectFlag == 0;
     KCMappedFile file;
-    if (!file.open(path, !raw)) {
+    // A stream (a pipe, standard input) is read whole before it is decoded: a binary image
+    // may fill the largest buffer, a text stream of records at most a quarter of that.
+    if (!file.open(path, !raw, raw ? KCMappedFile::DefaultStreamLimit : KCMappedFile::DefaultStreamLimit / 4)) {
         m_host->ShowMessage(mark(KCMessageMarks::Error) + file.errorText());
         return false;
     }
@@ -210,54 +213,33 @@ bool KCDataDoc::privateOpenDocument(const std::string &path)
     return ok;
 }
 
-bool KCDataDoc::privateSaveDocument(const std::string &requestedPath)
+bool KCDataDoc::privateSaveDocument(const std::string &path)
 {
-    if (requestedPath.empty())
+    if (path.empty())
         return false;
-    // Saving through a link replaces the file it points to, not the link.
-    std::string path = requestedPath;
-    if (char *real = ::realpath(requestedPath.c_str(), nullptr)) {
-        struct stat link;
-        if (::lstat(requestedPath.c_str(), &link) == 0 && S_ISLNK(link.st_mode))
-            path = real;
-        std::free(real);
-    }
-    // Write beside the target and rename only a complete file over it.
-    std::string temp = path + ".krldv-XXXXXX";
-    const int fd = ::mkstemp(&temp[0]);
-    if (fd < 0) {
-        m_host->ShowMessage(mark(KCMessageMarks::Error) + path + " : cannot create a file in its folder: "
-                            + std::strerror(errno));
+    KCSaveFile file;
+    if (!file.open(path)) {
+        m_host->ShowMessage(mark(KCMessageMarks::Error) + file.errorText() + "; nothing was saved");
         return false;
     }
-    struct stat st;
-    if (::stat(path.c_str(), &st) == 0) {
-        ::fchmod(fd, st.st_mode & 07777);
-    } else {
-        const mode_t mask = ::umask(0);
-        ::umask(mask);
-        ::fchmod(fd, 0666 & ~mask);
-    }
-
-    KCFdOutputStream out(fd);
-    KCArchive ar(path, out);
+    KCFdOutputStream out(file.fd());
+    KCArchive ar(file.target() == "-" ? path : file.target(), out);
     Serialize(ar);
     bool ok = m_loadOk && ar.written();
-    int error = 0;
-    if (ok && (!out.flush() || ::fsync(fd) != 0)) {
-        error = out.error() ? out.error() : errno;
+    std::string error;
+    if (ok && !out.flush()) {
+        error = "cannot write " + file.target() + ": " + std::strerror(out.error());
         ok = false;
     }
-    ::close(fd);
-    if (ok && ::rename(temp.c_str(), path.c_str()) != 0) {
-        error = errno;
+    if (ok && !file.commit()) {
+        error = file.errorText();
         ok = false;
     }
     if (!ok) {
-        ::unlink(temp.c_str());
-        if (error)
-            m_host->ShowMessage(mark(KCMessageMarks::Error) + path + " : cannot write the file: " + std::strerror(error)
-                                + "; the file on disk is unchanged");
+        file.abort();
+        if (!error.empty())
+            m_host->ShowMessage(mark(KCMessageMarks::Error) + error
+                                + (file.isDirect() ? std::string() : "; the file on disk is unchanged"));
         else if (ar.noWriter())
             m_host->ShowMessage(mark(KCMessageMarks::Warning) + path
                                 + " : files of this type cannot be written; nothing was saved");

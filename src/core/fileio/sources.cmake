@@ -4,4 +4,5 @@ list(APPEND KRLDV_CORE_SOURCES
   fileio/KCFileTypeTable.cpp
   fileio/KCFormatNames.cpp
   fileio/KCHostFileMessage.cpp
+  fileio/KCSaveFile.cpp
 )
