@@ -43,10 +43,10 @@ int KCCliChecksumCommand::run(const std::vector<std::string> &args)
         problem = "--kind takes byte or fuse, not " + kind;
     if (problem.empty() && ranged && (!KCCliArgs::parseRange(a.value("range"), start, end) || end > 0xFFFFFFFFull))
         problem = "--range takes START:END with START <= END below 4 GiB, not " + a.value("range");
-    if (!problem.empty()) {
-        std::fprintf(stderr, "krldv checksum: %s\n%s", problem.c_str(), usage());
-        return CLI_USAGE_ERROR;
-    }
+    if (problem.empty())
+        problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("format"));
+    if (!problem.empty())
+        return usageError(problem);
 
     KCCliHost host;
     KCDataDoc doc;

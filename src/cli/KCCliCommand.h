@@ -16,4 +16,8 @@ public:
     virtual const char *usage() const = 0;   // the full help text
     // args excludes the command name; returns a KCCliExit value.
     virtual int run(const std::vector<std::string> &args) = 0;
+
+protected:
+    // A usage error: the problem, the usage line and where the whole help is; exit status 2.
+    int usageError(const std::string &problem) const;
 };

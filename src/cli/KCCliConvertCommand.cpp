@@ -18,7 +18,7 @@ constexpr uint64_t MaxAddress = 0xFFFFFFFFull;
 const char *KCCliConvertCommand::usage() const
 {
     return "usage: krldv convert IN OUT [--from NAME] [--to NAME] [--fill BYTE] [--range START:END]\n"
-           "                          [--line-ending crlf|lf] [--record-bytes N]\n"
+           "                          [--line-ending crlf|lf] [--record-bytes N] [--force]\n"
            "\n"
            "Reads IN into a buffer that starts at address 0 and reaches the highest loaded\n"
            "address (or END); bytes no record defines hold the fill byte (default 0xFF).\n"
@@ -28,12 +28,14 @@ const char *KCCliConvertCommand::usage() const
            "                   (default: from the extension, then the content; OUT: by extension)\n"
            "  --line-ending    crlf (default) or lf for text formats\n"
            "  --record-bytes   data bytes per Intel/Motorola record, 1..255 (default 16)\n"
+           "  --force          convert between a JEDEC fuse map and a data format (one fuse per byte)\n"
+           "IN - reads standard input, OUT - writes standard output (then --from or --to is needed).\n"
            "Writable: bin, intel, motorola, jedec. OUT is replaced only when all was written.\n";
 }
 
 int KCCliConvertCommand::run(const std::vector<std::string> &args)
 {
-    const KCCliArgs a(args, {"from", "to", "fill", "range", "line-ending", "record-bytes"}, {});
+    const KCCliArgs a(args, {"from", "to", "fill", "range", "line-ending", "record-bytes"}, {"force"});
     if (a.helpRequested()) {
         std::fputs(usage(), stdout);
         return CLI_OK;
@@ -61,6 +63,8 @@ int KCCliConvertCommand::run(const std::vector<std::string> &args)
             to = KCFileFormatRegistry::byName(a.value("to"));
             if (!to || KCFormatNames::loadSaveType(to->name) == LS_INVALID)
                 problem = "unknown output format '" + a.value("to") + "' (known: " + KCCliImageLoader::formatList() + ")";
+        } else if (out == "-") {
+            problem = "writing standard output needs the format by name: give --to";
         } else {
             const size_t dot = out.rfind('.');
             to = dot == std::string::npos ? nullptr : KCFileFormatRegistry::byExtension(out.substr(dot + 1));
@@ -70,16 +74,25 @@ int KCCliConvertCommand::run(const std::vector<std::string> &args)
         if (to && !to->writable)
             problem = std::string("format ") + to->name + " can be read but not written";
     }
-    if (!problem.empty()) {
-        std::fprintf(stderr, "krldv convert: %s\n%s", problem.c_str(), usage());
-        return CLI_USAGE_ERROR;
-    }
+    if (problem.empty())
+        problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("from"));
+    if (!problem.empty())
+        return usageError(problem);
 
     KCCliHost host;
     host.setFillByte(static_cast<uint8_t>(fill));
     KCDataDoc doc;
     const std::string &in = a.positional()[0];
-    if (!KCCliImageLoader::load(doc, in, a.value("from")))
+    KCCliImageLoader::Choice choice;
+    if (!KCCliImageLoader::chooseFormat(in, a.value("from"), choice))
+        return CLI_INPUT_ERROR;
+    // A fuse map is no byte image: one fuse per byte either way is rarely what was meant.
+    const bool fromFuses = KCFormatNames::loadSaveType(choice.chosen->name) == LS_JEDEC;
+    const bool toFuses = KCFormatNames::loadSaveType(to->name) == LS_JEDEC;
+    if (fromFuses != toFuses && !a.has("force"))
+        return usageError(std::string(fromFuses ? "a JEDEC fuse map to a data format" : "a data image to a JEDEC fuse map")
+                          + " makes one fuse per byte; give --force if that is meant");
+    if (!KCCliImageLoader::load(doc, in, choice.chosen->name))
         return CLI_INPUT_ERROR;
 
     // The image keeps its shape: without --range the whole extent is saved, and record

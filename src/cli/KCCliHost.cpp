@@ -1,5 +1,7 @@
 #include "KCCliHost.h"
 
+#include "KCHostStrings.h"
+
 #include "KCMessageMarks.h"
 
 #include <cstdio>
@@ -23,21 +25,29 @@ KCCliHost::~KCCliHost()
 void KCCliHost::ShowMessage(const std::string &text, uint32_t, uint32_t, int)
 {
     const KCMessageMarks::Parsed p = KCMessageMarks::parse(text);
-    const char *prefix = "";
-    switch (p.severity) {
-    case KCMessageMarks::Error:
-        prefix = "error: ";
-        ++m_errors;
-        break;
-    case KCMessageMarks::Warning:
-        prefix = "warning: ";
-        break;
-    default:
-        if (!m_verbose)
+    // Progress and reports of success are for the verbose; scripts want silence when all is well.
+    if ((p.severity == KCMessageMarks::Plain || p.severity == KCMessageMarks::Information) && !m_verbose)
+        return;
+    // The library writes "FILE : detail" for its message window; the command line writes
+    // "krldv: FILE: line N: text" everywhere, with "warning: " before a warning's text.
+    std::string line = p.text;
+    const size_t separator = line.find(" : ");
+    if (separator != std::string::npos)
+        line.replace(separator, 3, ": ");
+    if (p.severity == KCMessageMarks::Error) {
+        // A failed read's summary after its cause says nothing new.
+        if (m_errors > 0 && line.rfind(m_strings.text(KCHostStrings::ReadFailed) + ": ", 0) == 0)
             return;
-        break;
+        ++m_errors;
+    } else if (p.severity == KCMessageMarks::Warning) {
+        size_t at = separator == std::string::npos ? 0 : separator + 2;
+        if (at && line.compare(at, 5, "line ") == 0) {
+            const size_t colon = line.find(": ", at);
+            at = colon == std::string::npos ? at : colon + 2;
+        }
+        line.insert(at, "warning: ");
     }
-    std::fprintf(stderr, "krldv: %s%s\n", prefix, p.text.c_str());
+    std::fprintf(stderr, "krldv: %s\n", line.c_str());
     ++m_shown;
 }
 

@@ -7,6 +7,7 @@
 #include "KCFormatNames.h"
 
 #include <cstdio>
+#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -28,9 +29,26 @@ std::string KCCliImageLoader::formatList()
     return list;
 }
 
+std::string KCCliImageLoader::formatProblem(const std::string &path, const std::string &formatName)
+{
+    if (formatName.empty())
+        return path == "-" ? "reading standard input needs the format by name" : std::string();
+    const KCFileFormatInfo *info = KCFileFormatRegistry::byName(formatName);
+    if (!info || KCFormatNames::loadSaveType(info->name) == LS_INVALID)
+        return "unknown format '" + formatName + "' (known: " + formatList() + ")";
+    return std::string();
+}
+
 bool KCCliImageLoader::chooseFormat(const std::string &path, const std::string &formatName, Choice &choice)
 {
     choice = Choice();
+    // A stream can be read only once: its content is not looked at before loading.
+    struct stat st;
+    if (path == "-" || (::stat(path.c_str(), &st) == 0 && !S_ISREG(st.st_mode) && !formatName.empty())) {
+        choice.chosen = KCFileFormatRegistry::byName(formatName);
+        choice.how = "named";
+        return choice.chosen != nullptr;
+    }
     try {
         KCFile file(path, KCFile::ReadOnly);
         std::vector<uint8_t> head(DetectBytes);
@@ -43,11 +61,8 @@ bool KCCliImageLoader::chooseFormat(const std::string &path, const std::string &
     choice.byExtension = KCFileFormatRegistry::byExtension(KCFileDialogCore::extensionOf(path));
     if (!formatName.empty()) {
         choice.chosen = KCFileFormatRegistry::byName(formatName);
-        if (!choice.chosen || KCFormatNames::loadSaveType(choice.chosen->name) == LS_INVALID) {
-            std::fprintf(stderr, "krldv: %s: unknown format '%s' (known: %s)\n", path.c_str(), formatName.c_str(),
-                         formatList().c_str());
-            return false;
-        }
+        if (!choice.chosen || KCFormatNames::loadSaveType(choice.chosen->name) == LS_INVALID)
+            return false; // the commands check names as usage errors first
         choice.how = "named";
     } else if (choice.byExtension) {
         choice.chosen = choice.byExtension;

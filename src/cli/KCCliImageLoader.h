@@ -23,4 +23,7 @@ public:
     static bool load(KCDataDoc &doc, const std::string &path, const std::string &formatName, Choice *choice = nullptr);
     // The list of format names for usage texts.
     static std::string formatList();
+    // A usage problem with the format named for `path`, or empty: an unknown name, or no name
+    // for standard input ("-"), whose content cannot be looked at first.
+    static std::string formatProblem(const std::string &path, const std::string &formatName);
 };

@@ -43,10 +43,10 @@ int KCCliInfoCommand::run(const std::vector<std::string> &args)
     std::string problem = a.error();
     if (problem.empty() && a.positional().size() != 1)
         problem = a.positional().empty() ? "no input file given" : "only one input file is taken";
-    if (!problem.empty()) {
-        std::fprintf(stderr, "krldv info: %s\n%s", problem.c_str(), usage());
-        return CLI_USAGE_ERROR;
-    }
+    if (problem.empty())
+        problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("format"));
+    if (!problem.empty())
+        return usageError(problem);
 
     KCCliHost host;
     KCDataDoc doc;

@@ -93,10 +93,10 @@ int KCCliSerialCommand::runStamp(const std::vector<std::string> &rawArgs)
         if (!to || !to->writable || KCFormatNames::loadSaveType(to->name) == LS_INVALID)
             problem = "cannot write the output format of '" + out + "': give --to bin, intel, motorola or jedec";
     }
-    if (!problem.empty()) {
-        std::fprintf(stderr, "krldv serial stamp: %s\n%s", problem.c_str(), usage());
-        return CLI_USAGE_ERROR;
-    }
+    if (problem.empty())
+        problem = KCCliImageLoader::formatProblem(p[1], a.value("from"));
+    if (!problem.empty())
+        return usageError(problem);
 
     KCCliHost host;
     KCDataDoc doc;
@@ -163,10 +163,8 @@ int KCCliSerialCommand::run(const std::vector<std::string> &args)
     const auto representation = Representations.find(repr);
     if (problem.empty() && representation == Representations.end())
         problem = "--repr takes hex-asc, dec-asc, hex-bin or dec-bin, not " + repr;
-    if (!problem.empty()) {
-        std::fprintf(stderr, "krldv serial: %s\n%s", problem.c_str(), usage());
-        return CLI_USAGE_ERROR;
-    }
+    if (!problem.empty())
+        return usageError(problem);
     const unsigned endian = a.has("little-endian") ? Ctrl::FlagLittleEndian : Ctrl::FlagBigEndian;
     return runNext(p[1], static_cast<int>(block), representation->second | endian, a.has("advance"));
 }

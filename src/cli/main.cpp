@@ -21,6 +21,10 @@ int main(int argc, char *argv[])
         printOverview(commands, stderr);
         return CLI_USAGE_ERROR;
     }
+    if (!std::strcmp(argv[1], "--version")) {
+        std::printf("krldv %s\n", KRLDV_VERSION);
+        return CLI_OK;
+    }
     if (!std::strcmp(argv[1], "--help") || !std::strcmp(argv[1], "-h") || !std::strcmp(argv[1], "help")) {
         printOverview(commands, stdout);
         return CLI_OK;
@@ -28,7 +32,6 @@ int main(int argc, char *argv[])
     for (const auto &c : commands)
         if (argv[1] == std::string(c->name()))
             return c->run(std::vector<std::string>(argv + 2, argv + argc));
-    std::fprintf(stderr, "krldv: unknown command '%s'\n", argv[1]);
-    printOverview(commands, stderr);
+    std::fprintf(stderr, "krldv: unknown command '%s'\nusage: krldv COMMAND [ARGS]; see krldv --help\n", argv[1]);
     return CLI_USAGE_ERROR;
 }

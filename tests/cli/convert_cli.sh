@@ -62,7 +62,7 @@ while IFS='|' read -r fmt line content; do
   printf "$content" > "$f"
   msg=$("$KRLDV" convert "$f" "$T/bad$i.bin" 2>&1); rc=$?
   [ "$rc" -eq 1 ] || bad "malformed $i ($fmt): exit $rc, expected 1"
-  case "$msg" in *"bad$i.$fmt : line $line"*) ;; *) bad "malformed $i ($fmt): message lacks file and line $line: $msg" ;; esac
+  case "$msg" in *"bad$i.$fmt: line $line: "*) ;; *) bad "malformed $i ($fmt): message lacks file and line $line: $msg" ;; esac
   [ -e "$T/bad$i.bin" ] && bad "malformed $i ($fmt): output written"
 done <<LIST
 hex|2|:0400100001020304E2\r\n:0400200001020304E3\r\n:00000001FF\r\n
@@ -80,4 +80,58 @@ LIST
 printf 'old' > "$T/keep.hex"
 "$KRLDV" convert "$T/bad1.hex" "$T/keep.hex" >/dev/null 2>&1
 [ "$(cat "$T/keep.hex")" = old ] || bad "a failed convert damaged the output file"
+
+# Conventions: usage errors exit 2 with the usage line and a pointer to the help.
+msg=$("$KRLDV" convert "$T/rand.bin" "$T/x.bin" --from foo 2>&1); rc=$?
+[ "$rc" -eq 2 ] || bad "unknown format name: exit $rc, expected 2"
+case "$msg" in *"unknown format 'foo'"*"see krldv convert --help"*) ;; *) bad "unknown format message: $msg" ;; esac
+[ "$(echo "$msg" | wc -l)" -le 4 ] || bad "a usage error printed the whole help"
+"$KRLDV" --version | grep -Eq '^krldv [0-9]+\.[0-9]+\.[0-9]+$' || bad "--version"
+
+# "-" is standard input and output; the format is then named.
+printf ':0400100001020304E2\r\n:00000001FF\r\n' > "$T/small.hex"
+"$KRLDV" convert "$T/small.hex" "$T/file.bin"
+cat "$T/small.hex" | "$KRLDV" convert - "$T/stdin.bin" --from intel && cmp -s "$T/file.bin" "$T/stdin.bin" || bad "standard input"
+"$KRLDV" convert - "$T/x.bin" < "$T/small.hex" >/dev/null 2>&1; [ $? -eq 2 ] || bad "standard input without a format name"
+"$KRLDV" convert "$T/small.hex" "$T/file.hex" 2>/dev/null
+"$KRLDV" convert "$T/small.hex" - --to intel > "$T/stdout.hex" && cmp -s "$T/file.hex" "$T/stdout.hex" || bad "standard output"
+"$KRLDV" convert "$T/small.hex" - >/dev/null 2>&1; [ $? -eq 2 ] || bad "standard output without a format name"
+
+# Data images and fuse maps do not turn into each other by accident.
+"$KRLDV" convert "$T/small.hex" "$T/x.jed" >/dev/null 2>&1; [ $? -eq 2 ] || bad "data to JEDEC without --force"
+[ -e "$T/x.jed" ] && bad "a refused conversion wrote its output"
+"$KRLDV" convert "$T/small.hex" "$T/x.jed" --force 2>/dev/null && [ -s "$T/x.jed" ] || bad "data to JEDEC with --force"
+
+# Targets that are not regular files are written into, not replaced.
+mkfifo "$T/out.fifo"
+cat "$T/out.fifo" > "$T/fifo.hex" & reader=$!
+timeout 20 "$KRLDV" convert "$T/small.hex" "$T/out.fifo" --to intel 2>/dev/null || bad "writing a FIFO"
+wait $reader
+[ -p "$T/out.fifo" ] || bad "the FIFO was replaced"
+cmp -s "$T/fifo.hex" "$T/file.hex" || bad "what came through the FIFO"
+if [ "$(id -u)" -eq 0 ]; then
+  mknod "$T/null" c 1 3
+  "$KRLDV" convert "$T/small.hex" "$T/null" --to intel 2>/dev/null || bad "writing a character device"
+  [ -c "$T/null" ] || bad "the device node was replaced by a $(stat -c %F "$T/null")"
+fi
+# A FIFO as input is read as a stream.
+mkfifo "$T/in.fifo"
+cat "$T/small.hex" > "$T/in.fifo" &
+timeout 20 "$KRLDV" convert "$T/in.fifo" "$T/fifoin.bin" --from intel && cmp -s "$T/fifoin.bin" "$T/file.bin" || bad "reading a FIFO"
+
+# A full disk (here a file-size limit) names the system's reason and keeps the old file.
+printf 'old' > "$T/full.bin"
+msg=$(bash -c "trap '' XFSZ; ulimit -f 64; '$KRLDV' convert '$T/rand.bin' '$T/full.bin' --from bin" 2>&1); rc=$?
+[ "$rc" -eq 1 ] || bad "full disk: exit $rc"
+case "$msg" in *"File too large"*) ;; *) bad "full disk message: $msg" ;; esac
+[ "$(cat "$T/full.bin")" = old ] || bad "a failed save damaged the old file"
+
+# A save killed at any moment leaves no temporary behind.
+head -c $((32 * 1024 * 1024)) /dev/urandom > "$T/big.bin"
+for delay in 0.02 0.1 0.2 0.4; do
+  "$KRLDV" convert "$T/big.bin" "$T/killed.hex" --from bin --to intel & pid=$!
+  sleep "$delay"; kill -9 "$pid" 2>/dev/null; wait "$pid" 2>/dev/null
+done
+leftovers=$(ls "$T" | grep -c 'krldv-')
+[ "$leftovers" -eq 0 ] || bad "killed saves left $leftovers temporaries"
 exit $fail

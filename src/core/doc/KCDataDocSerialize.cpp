@@ -247,7 +247,7 @@ bool KCDataDoc::privateSaveDocument(const std::string &path)
     }
     m_host->ShowMessage("Writing " + path + " OK.");
     if (!ar.summary().empty())
-        m_host->ShowMessage(ar.summary());
+        m_host->ShowMessage(mark(KCMessageMarks::Information) + ar.summary());
     m_undo.markSaved();
     SetModifiedFlag(0);
     return true;

@@ -213,11 +213,15 @@ void KCImagePipeline::write(KCArchive &ar, const KCFileTypeRow &row)
     uint64_t bytes = 0;
     for (const KCAddressRange &r : stored)
         bytes += r.second - r.first + 1;
-    std::string summary = "Wrote " + baseName(path) + " as " + KCFileTypeTable::description(row) + ": "
-                          + describeRanges(stored) + " (" + std::to_string(bytes) + " bytes)";
+    const std::string name = path == "-" ? "standard output" : baseName(path);
+    const std::string type = KCFileTypeTable::description(row);
+    std::string summary = name + " : written as " + type + ": " + describeRanges(stored) + " (" + std::to_string(bytes)
+                          + " bytes)";
+    // A name whose extension belongs to another format (or to none) is worth a word.
     const std::string extension = KCFileDialogCore::extensionOf(path);
-    if (!KCFileTypeTable::isFamilyExtension(row, extension))
-        summary += "; " + baseName(path) + " written as " + KCFileTypeTable::description(row);
+    if (path != "-" && !KCFileTypeTable::isFamilyExtension(row, extension)
+        && KCFileFormatRegistry::byExtension(extension) != info)
+        summary += "; note: " + name + " written as " + type + ", which its extension does not say";
     ar.setSummary(summary);
     doc.m_loadOk = 1;
 }

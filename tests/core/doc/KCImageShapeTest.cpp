@@ -130,7 +130,7 @@ TEST(KCImageShape, SavesKeepGapsAndSizeAndSayWhatWasWritten)
     doc.SetData(0x77, 0x1000);
     doc.mainBufferParam()->fileType = LS_INTELHEX;
     ASSERT_TRUE(doc.OnSaveDocument(dir.file("out.hex").c_str()));
-    EXPECT_TRUE(anyMessage(host, "Wrote out.hex as Intel Hex: 0x00000000-0x000003FF, 0x00001000-0x00001000, "
+    EXPECT_TRUE(anyMessage(host, "out.hex : written as Intel Hex: 0x00000000-0x000003FF, 0x00001000-0x00001000, "
                                  "0x00004000-0x000042FF (1793 bytes)"));
     KCDataDoc back;
     ASSERT_TRUE(open(back, dir.file("out.hex"), LS_INTELHEX));
