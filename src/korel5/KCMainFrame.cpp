@@ -29,7 +29,6 @@
 
 namespace {
 
-const char *const ApplicationTitle = "KOREL5";
 constexpr int DefaultWidth = 1280;
 constexpr int DefaultHeight = 800;
 
@@ -154,6 +153,10 @@ void KCMainFrame::createActions()
     m_saveAsAction->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S));
     connect(m_saveAsAction, &QAction::triggered, this, [this] { save(true); });
 
+    m_closeAction = new QAction(tr("&Close"), this);
+    m_closeAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_W));
+    connect(m_closeAction, &QAction::triggered, this, [this] { closeDocument(true); });
+
     m_settingsAction = new QAction(tr("Se&ttings..."), this);
     connect(m_settingsAction, &QAction::triggered, this, &KCMainFrame::editSettings);
 
@@ -221,6 +224,7 @@ void KCMainFrame::createMenus()
     file->addAction(m_reloadAction);
     file->addAction(m_saveAction);
     file->addAction(m_saveAsAction);
+    file->addAction(m_closeAction);
     file->addSeparator();
     m_recentMenu = file->addMenu(tr("Recent &Files"));
     connect(m_recentMenu, &QMenu::aboutToShow, this, &KCMainFrame::updateRecentMenu);
@@ -336,9 +340,16 @@ KCDataView *KCMainFrame::newWindow()
     const QString title = QString::fromStdString(m_doc->GetTitle());
     child->setWindowTitle(windows > 1 ? QString("%1:%2").arg(title).arg(windows) : title);
     connect(view, &KCDataView::caretMoved, this, [this, view](quint64, const QString &text) {
-        if (currentView() == view)
+        if (currentView() == view) {
             m_status->setCaretAddress(text);
+            updateMarkSum(view);
+        }
     });
+    // The subwindow's own system-menu shortcuts (Ctrl+T "stay on top" among them) would make
+    // the window's commands ambiguous while a view has the focus.
+    if (QMenu *system = child->systemMenu())
+        for (QAction *a : system->actions())
+            a->setShortcut(QKeySequence());
     connect(view, &KCDataView::insertModeChanged, this, [this, view](bool insert) {
         if (currentView() == view)
             m_status->setInsertMode(insert);
@@ -417,6 +428,7 @@ void KCMainFrame::documentUpdated(long hint)
     if (!m_doc)
         return;
     m_status->setModified(m_doc->IsModified());
+    updateMarkSum(currentView());
     if (hint == DOCHINT_MODIFIED_FLAG || hint == DOCHINT_ALL) {
         m_tree->rebuild(m_doc.get());
         updateTitle();
@@ -442,17 +454,32 @@ void KCMainFrame::currentWindowChanged()
 
 void KCMainFrame::updateTitle()
 {
-    if (!m_doc) {
-        setWindowTitle(ApplicationTitle);
-        setWindowModified(false);
+    // The application's name follows the document's as the platform adds it: "name[*] — KOREL5".
+    // A maximized subwindow would add its own title in brackets; its title bar is hidden then,
+    // so it carries none while maximized.
+    const QString title = m_doc ? QString::fromStdString(m_doc->GetTitle()) : QString();
+    const QList<QMdiSubWindow *> windows = m_mdi->subWindowList();
+    for (int i = 0; i < windows.size(); ++i) {
+        const bool maximized = windows[i]->isMaximized();
+        windows[i]->setWindowTitle(maximized ? QString()
+                                   : windows.size() > 1 ? QString("%1:%2").arg(title).arg(i + 1)
+                                                         : title);
+    }
+    setWindowTitle(m_doc ? title + "[*]" : QString());
+    setWindowModified(m_doc && m_doc->IsModified() != 0);
+}
+
+void KCMainFrame::updateMarkSum(KCDataView *view)
+{
+    int64_t low = 0, high = 0;
+    if (!m_doc || !view || !view->model().markRange(low, high) || low < 0
+        || uint64_t(high) >= m_doc->GetBufferSize()) {
+        m_status->setMarkSum(QString());
         return;
     }
-    setWindowTitle(QString("%1 - %2[*]").arg(ApplicationTitle, QString::fromStdString(m_doc->GetTitle())));
-    setWindowModified(m_doc->IsModified() != 0);
-    const QString title = QString::fromStdString(m_doc->GetTitle());
-    const QList<QMdiSubWindow *> windows = m_mdi->subWindowList();
-    for (int i = 0; i < windows.size(); ++i)
-        windows[i]->setWindowTitle(windows.size() > 1 ? QString("%1:%2").arg(title).arg(i + 1) : title);
+    const uint32_t sum = m_doc->checksumOf(uint64_t(low), uint64_t(high));
+    const auto hex = [](quint64 v) { return QString::number(v, 16).toUpper().rightJustified(8, QLatin1Char('0')); };
+    m_status->setMarkSum(tr("Marked 0x%1-0x%2: sum 0x%3").arg(hex(quint64(low)), hex(quint64(high)), hex(sum)));
 }
 
 void KCMainFrame::updateActions()
@@ -461,6 +488,7 @@ void KCMainFrame::updateActions()
     m_reloadAction->setEnabled(hasDoc && m_doc->CanReloadDoc());
     m_saveAction->setEnabled(hasDoc);
     m_saveAsAction->setEnabled(hasDoc);
+    m_closeAction->setEnabled(hasDoc);
     m_swapAction->setEnabled(hasDoc);
     m_serialAction->setEnabled(hasDoc);
     m_takeSerialAction->setEnabled(hasDoc && m_doc->serialMode() != 0);
@@ -486,6 +514,7 @@ void KCMainFrame::saveRecentFiles()
     for (const std::string &f : KCDocBase::recentFiles())
         files << fromPath(f);
     m_settings.setRecentFiles(files);
+    updateRecentMenu();
 }
 
 void KCMainFrame::save(bool askForName)
@@ -496,6 +525,7 @@ void KCMainFrame::save(bool askForName)
     const bool ask = askForName || (param && (param->saveFlags & BUFFER_SAVE_ASK_NAME));
     m_doc->SaveDoc(ask ? 1 : 0);
     saveRecentFiles();
+    m_tree->rebuild(m_doc.get()); // Save As renames the document
     updateTitle();
     updateActions();
 }

@@ -80,6 +80,7 @@ private:
     void currentWindowChanged();
     void updateTitle();
     void updateActions();
+    void updateMarkSum(KCDataView *view);
     void takeNextSerialNumber();
     void updateRecentMenu();
     void saveRecentFiles();
@@ -104,6 +105,7 @@ private:
     QAction *m_openAction = nullptr;
     QAction *m_reloadAction = nullptr;
     QAction *m_saveAction = nullptr;
+    QAction *m_closeAction = nullptr;
     QAction *m_saveAsAction = nullptr;
     QAction *m_settingsAction = nullptr;
     QAction *m_exitAction = nullptr;

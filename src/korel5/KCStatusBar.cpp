@@ -13,6 +13,8 @@ constexpr int TransientMessageMs = 5000;
 KCStatusBar::KCStatusBar(QWidget *parent) : QStatusBar(parent)
 {
     setObjectName("statusBar");
+    m_markSum = addPane("markSumPane", "Marked 0x00000000-0x00000000: sum 0x00000000");
+    m_markSum->setVisible(false);
     m_checksum = addPane("checksumPane", "Checksum 0x00000000-0x00000000: 00000000");
     m_caret = addPane("caretPane", tr("Address: %1").arg("00000000.0"));
     m_mode = addPane("modePane", tr("OVR"));
@@ -49,6 +51,17 @@ void KCStatusBar::setInsertMode(bool insert)
     m_mode->setToolTip(insert ? tr("Typing inserts") : tr("Typing overwrites"));
 }
 
+void KCStatusBar::setMarkSum(const QString &text)
+{
+    m_markSum->setText(text);
+    m_markSum->setVisible(!text.isEmpty());
+}
+
+QString KCStatusBar::markSumText() const
+{
+    return m_markSum->text();
+}
+
 void KCStatusBar::setModified(bool modified)
 {
     m_modified->setText(modified ? tr("Modified") : QString());
@@ -58,6 +71,7 @@ void KCStatusBar::clearDocumentPanes()
 {
     m_checksum->clear();
     m_caret->clear();
+    setMarkSum(QString());
     m_modified->clear();
 }
 

@@ -17,6 +17,8 @@ public:
     void setCaretAddress(const QString &text);
     void setInsertMode(bool insert);
     void setModified(bool modified);
+    // The byte sum of the marked range, shown while something is marked; empty hides it.
+    void setMarkSum(const QString &text);
     // Empties the document's panes (no document open).
     void clearDocumentPanes();
 
@@ -24,10 +26,12 @@ public:
     QString caretText() const;
     QString modeText() const;
     QString modifiedText() const;
+    QString markSumText() const;
 
 private:
     QLabel *addPane(const char *name, const QString &widest);
 
+    QLabel *m_markSum;
     QLabel *m_checksum;
     QLabel *m_caret;
     QLabel *m_mode;

@@ -262,6 +262,11 @@ bool KCDataDoc::runFileDialog(CALLFROMMENUE origin, const TAG_BUFFER_PARAM &para
     request.initialPath = m_ownPathName;
     request.filterType = param.filterType;
     request.loadSaveType = param.fileType;
+    // "All files" as the filter would turn the type to Binary: saving starts from the
+    // buffer's own type, so its own filter is shown.
+    const KCFileTypeRow *row = KCFileTypeTable::row(param.fileType);
+    if (origin == CALLFROM_SAVE && param.filterType == FILTER_ALL && row && row->writable)
+        request.filterType = row->filter;
     return m_host->RunFileDialog(request);
 }
 

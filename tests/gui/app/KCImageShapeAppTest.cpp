@@ -2,26 +2,49 @@
 #include "KCAppHost.h"
 #include "KCDataDoc.h"
 #include "KCDataView.h"
+#include "KCFileDialog.h"
+#include "KCLoadSaveCombo.h"
 #include "KCMainFrame.h"
+#include "KCMessageWindow.h"
 #include "KCStatusBar.h"
+#include "KCWorkspaceTree.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QTimer>
 #include <QFile>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPushButton>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 
 namespace {
+
+// The main window with its commands found by their shortcuts.
+struct Frame : KCMainFrame
+{
+    using KCMainFrame::KCMainFrame;
+    QAction *action(const QKeySequence &keys) const
+    {
+        for (QAction *a : findChildren<QAction *>())
+            if (a->shortcut() == keys)
+                return a;
+        return nullptr;
+    }
+};
 
 struct ImageShapeApp : testing::Test
 {
     ImageShapeApp()
     {
-        frame = std::make_unique<KCMainFrame>(dir.filePath("korel5.ini"));
+        frame = std::make_unique<Frame>(dir.filePath("korel5.ini"));
         frame->host().setInteractive(false);
         frame->show();
     }
@@ -33,7 +56,7 @@ struct ImageShapeApp : testing::Test
         return f.fileName();
     }
     QTemporaryDir dir;
-    std::unique_ptr<KCMainFrame> frame;
+    std::unique_ptr<Frame> frame;
 };
 
 QByteArray intelRecord(uint16_t address, const QByteArray &data, uint8_t type = 0)
@@ -57,9 +80,7 @@ TEST_F(ImageShapeApp, AnOpenedBinaryKeepsItsSizeWhenSaved)
     ASSERT_NE(view, nullptr);
     view->setFocus();
     QTest::keyClicks(view, "a5");
-    for (QAction *a : frame->findChildren<QAction *>())
-        if (a->shortcut() == QKeySequence::Save)
-            a->trigger();
+    frame->action(QKeySequence::Save)->trigger();
     EXPECT_FALSE(frame->document()->IsModified());
     EXPECT_EQ(QFileInfo(path).size(), 32 * 1024);
     QFile f(path);
@@ -89,4 +110,89 @@ TEST_F(ImageShapeApp, TheStatusBarSumsTheExtentAndAFileFarUpOpens)
     EXPECT_EQ(frame->document()->GetBufferSize(), 0x08001010u);
     EXPECT_EQ(frame->document()->GetData(0x08001000), 0x22);
     EXPECT_EQ(frame->document()->GetData(0x07FFFFFF), 0xFF);
+}
+
+// Save As starts from the document's own file type: an Intel HEX document offers Intel HEX.
+TEST_F(ImageShapeApp, SaveAsOffersTheDocumentsFileType)
+{
+    const QByteArray text = intelRecord(0x10, QByteArray("\x01\x02", 2)) + ":00000001FF\r\n";
+    ASSERT_TRUE(frame->openFile(write("good.hex", text)));
+    // As after File > Open with "All files" as the filter and a typed name.
+    frame->document()->mainBufferParam()->filterType = FILTER_ALL;
+    frame->host().setInteractive(true);
+    QString combo, filter;
+    std::function<void(int)> inspect = [&](int attempts) {
+        QTimer::singleShot(10, [&, attempts] {
+            QWidget *modal = QApplication::activeModalWidget();
+            auto *dialog = qobject_cast<KCFileDialog *>(modal);
+            if (!dialog) {
+                if (attempts > 0)
+                    inspect(attempts - 1);
+                else if (modal)
+                    modal->close();
+                return;
+            }
+            combo = dialog->loadSaveCombo()->currentText();
+            filter = dialog->selectedNameFilter();
+            dialog->reject();
+        });
+    };
+    inspect(300);
+    frame->action(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S))->trigger();
+    EXPECT_TRUE(combo.contains("Intel")) << combo.toStdString();
+    EXPECT_TRUE(filter.contains("hex")) << filter.toStdString();
+}
+
+// The window's commands: a plain title, File > Close, Recent Files at once, the tree after
+// Save As, commands whatever has the focus, and the sum of the marked bytes.
+TEST_F(ImageShapeApp, WindowCommandsWorkAsPeopleExpect)
+{
+    const QString first = write("first.hex", intelRecord(0, QByteArray(32, '\x01')) + ":00000001FF\r\n");
+    ASSERT_TRUE(frame->openFile(first));
+    EXPECT_EQ(frame->windowTitle(), "first.hex[*]");
+
+    QMenu *recent = nullptr;
+    for (QMenu *m : frame->findChildren<QMenu *>())
+        if (m->title() == "Recent &Files")
+            recent = m;
+    ASSERT_NE(recent, nullptr);
+    EXPECT_TRUE(recent->isEnabled());
+    ASSERT_FALSE(recent->actions().isEmpty());
+    EXPECT_TRUE(recent->actions().constFirst()->text().endsWith("first.hex"));
+
+    // Marking shows the sum of the marked bytes; it goes when the mark does.
+    KCDataView *view = frame->currentView();
+    view->setFocus();
+    for (int i = 0; i < 4; ++i)
+        QTest::keyClick(view, Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_EQ(frame->statusPanes()->markSumText().toStdString(), "Marked 0x00000000-0x00000004: sum 0x00000005");
+
+    // Save As renames the document in the tree and the title.
+    frame->host().setInteractive(true);
+    std::function<void(int)> answer = [&](int attempts) {
+        QTimer::singleShot(10, [&, attempts] {
+            auto *dialog = qobject_cast<KCFileDialog *>(QApplication::activeModalWidget());
+            if (!dialog) {
+                if (attempts > 0)
+                    answer(attempts - 1);
+                return;
+            }
+            dialog->setDirectory(dir.path());
+            QTest::keyClicks(dialog->findChild<QLineEdit *>("fileNameEdit"), "second.hex");
+            qobject_cast<QPushButton *>(dialog->controlById(KCFileDialog::IDC_OK))->click();
+        });
+    };
+    answer(300);
+    frame->action(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S))->trigger();
+    frame->host().setInteractive(false);
+    EXPECT_EQ(frame->workspaceTree()->topLevelItem(0)->text(0), "second.hex");
+    EXPECT_EQ(frame->windowTitle(), "second.hex[*]");
+
+    // Ctrl+W with the focus in the message window closes the document.
+    QApplication::setActiveWindow(frame.get());
+    frame->messageWindow()->setFocus();
+    QTest::keyClick(frame->messageWindow(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_EQ(frame->document(), nullptr);
+    EXPECT_TRUE(frame->windowTitle().isEmpty());
+    EXPECT_TRUE(frame->newDocument());
 }
