@@ -9,7 +9,9 @@ seconds=${1:?usage: bench/fuzz.sh SECONDS [FORMAT...]}
 shift
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${KRLDV_FUZZ_BUILD_DIR:-$root/build-fuzz}
-formats=${*:-bin intel motorola ti jedec svf stapl otp}
+# Every target of fuzz/CMakeLists.txt: one per format, and the definition-file parser.
+all="$(sed -n 's/^set(KRLDV_FUZZ_FORMATS \(.*\))$/\1/p' "$root/fuzz/CMakeLists.txt") serialdef"
+formats=${*:-$all}
 
 CC=clang CXX=clang++ cmake -S "$root" -B "$build" -DKRLDV_FUZZ=ON -DKRLDV_BUILD_GUI=OFF \
     -DKRLDV_BUILD_TESTS=OFF -DKRLDV_BUILD_BENCH=OFF -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null

@@ -7,4 +7,5 @@ list(APPEND KRLFILEIO_TEST_SOURCES
   KCMalformedInputTest.cpp
   KCSrecCatDiffTest.cpp
   KCMappedFileTest.cpp
+  KCStreamLimitTest.cpp
 )

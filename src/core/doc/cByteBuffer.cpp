@@ -60,10 +60,18 @@ uint64_t freeHugeBlockBytes()
 // Above this the kernel's zeroing of fresh pages is split between two threads.
 constexpr uint64_t ParallelPopulateThreshold = uint64_t(256) << 20;
 
+bool hugePagesFree(uint64_t size)
+{
+    return !std::getenv("KRLDV_NO_HUGEPAGES") && freeHugeBlockBytes() >= size;
+}
+
+int adviseHugePages(void *p, size_t size)
+{
+    return ::madvise(p, size, MADV_HUGEPAGE);
+}
+
 void populate(uint8_t *p, uint64_t size)
 {
-    if (!std::getenv("KRLDV_NO_HUGEPAGES") && size >= HugePageThreshold && freeHugeBlockBytes() >= size)
-        ::madvise(p, size, MADV_HUGEPAGE);
     if (size < PopulateThreshold)
         return;
     if (size < ParallelPopulateThreshold || std::thread::hardware_concurrency() < 2) {
@@ -94,20 +102,35 @@ cByteBuffer::~cByteBuffer()
         ::munmap(m_data, m_capacity);
 }
 
+bool (*cByteBuffer::s_hugePagesFree)(uint64_t) = hugePagesFree;
+int (*cByteBuffer::s_adviseHugePages)(void *, size_t) = adviseHugePages;
+
 bool cByteBuffer::reserve(uint64_t newSize)
 {
-    if (newSize > m_capacity) {
-        const uint64_t capacity = roundUp(newSize);
-        void *p = m_data ? ::mremap(m_data, m_capacity, capacity, MREMAP_MAYMOVE)
-                         : ::mmap(nullptr, capacity, PROT_READ | PROT_WRITE,
-                                  MAP_PRIVATE | MAP_ANONYMOUS | (m_lazy ? MAP_NORESERVE : 0), -1, 0);
+    if (newSize <= m_capacity)
+        return true;
+    const uint64_t capacity = roundUp(newSize);
+    const int flags = MAP_PRIVATE | MAP_ANONYMOUS | (m_lazy ? MAP_NORESERVE : 0);
+    void *p = m_data ? ::mremap(m_data, m_capacity, capacity, MREMAP_MAYMOVE)
+                     : ::mmap(nullptr, capacity, PROT_READ | PROT_WRITE, flags, -1, 0);
+    if (p == MAP_FAILED && m_data) {
+        // The mapping cannot move as a whole (the kernel split it): take a fresh one and copy.
+        p = ::mmap(nullptr, capacity, PROT_READ | PROT_WRITE, flags, -1, 0);
         if (p == MAP_FAILED)
             return false;
-        m_data = static_cast<uint8_t *>(p);
-        if (!m_lazy)
-            populate(m_data + m_used, capacity - m_used);
-        m_capacity = capacity;
+        std::memcpy(p, m_data, m_used);
+        ::munmap(m_data, m_capacity);
+    } else if (p == MAP_FAILED) {
+        return false;
     }
+    m_data = static_cast<uint8_t *>(p);
+    // Huge pages are asked for over the whole mapping, so that it stays one piece the kernel
+    // can move when it grows; a refusal only means normal pages.
+    if (!m_lazy && capacity >= HugePageThreshold && s_hugePagesFree(capacity))
+        s_adviseHugePages(m_data, capacity);
+    if (!m_lazy)
+        populate(m_data + m_used, capacity - m_used);
+    m_capacity = capacity;
     return true;
 }
 

@@ -34,6 +34,11 @@ public:
     void setLazy(bool lazy) { m_lazy = lazy; }
     bool isLazy() const { return m_lazy; }
 
+    // Whether huge pages are free for a mapping of this size, and the request for them; tests
+    // replace them to take the huge-page path, or to have it refused, on any machine.
+    static bool (*s_hugePagesFree)(uint64_t size);
+    static int (*s_adviseHugePages)(void *p, size_t size);
+
 private:
     bool reserve(uint64_t newSize);
 

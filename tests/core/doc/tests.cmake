@@ -7,4 +7,5 @@ list(APPEND KRLDV_CORE_TEST_SOURCES
   core/doc/KCUndoTest.cpp
   core/doc/KCUiAdrDataManagerTest.cpp
   core/doc/cBufferSumTest.cpp
+  core/doc/cByteBufferTest.cpp
 )
