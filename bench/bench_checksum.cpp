@@ -1,10 +1,10 @@
 // ComputeCheckSum (byte and fuse kind) over a 256 MiB buffer, measured in the same run as
 // the physical limits on the same memory: memset (write) and memchr (read, never matching),
 // and a plain byte-sum loop as the compiler builds it at this optimisation level.
-#include "KCDataDoc.h"
-#include "KCHeadlessDataView.h"
-#include "KCMainProgDataExChange.h"
-#include "cBufferSum.h"
+#include "doc/KCDataDoc.h"
+#include "doc/KCHeadlessDataView.h"
+#include "host/KCMainProgDataExChange.h"
+#include "doc/cBufferSum.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,9 +1,9 @@
 // Paint time of one full-HD frame of the data view over buffers of 1 KiB, 1 MiB and 1 GiB,
 // measured in one run: a frame must cost the same whatever the buffer size, and stay under
 // 10 ms. Runs offscreen.
-#include "KCDataDoc.h"
+#include "doc/KCDataDoc.h"
 #include "KCDataView.h"
-#include "KCMainProgDataExChange.h"
+#include "host/KCMainProgDataExChange.h"
 
 #include <QApplication>
 #include <QImage>

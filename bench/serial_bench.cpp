@@ -7,8 +7,8 @@
 // Without --dir it measures in $TMPDIR (or /tmp), where the flush reaches a disk, and in
 // /dev/shm when there is one, where only the locking and the system calls count. Each
 // figure is the best of R runs (the machine is shared; the best run is the least disturbed).
-#include "KCSerialDefCtrl.h"
-#include "KCMainProgDataExChange.h"
+#include "serial/KCSerialDefCtrl.h"
+#include "host/KCMainProgDataExChange.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,9 +1,9 @@
 // Parses the fuzz input as a serial-number definition file and takes a number from every
 // block, in each representation, as a production station would: no crash, no hang, and a
 // file that still parses after its write-back.
-#include "KCHostStringTable.h"
-#include "KCMainProgDataExChange.h"
-#include "KCSerialDefCtrl.h"
+#include "host/KCHostStringTable.h"
+#include "host/KCMainProgDataExChange.h"
+#include "serial/KCSerialDefCtrl.h"
 
 #include <cstdio>
 #include <cstdlib>

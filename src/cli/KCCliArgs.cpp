@@ -1,6 +1,6 @@
 #include "KCCliArgs.h"
 
-#include "KCNumberText.h"
+#include "host/KCNumberText.h"
 
 #include <cerrno>
 #include <cstring>

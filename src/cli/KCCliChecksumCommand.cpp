@@ -3,9 +3,9 @@
 #include "KCCliArgs.h"
 #include "KCCliHost.h"
 #include "KCCliImageLoader.h"
-#include "KCDataDoc.h"
-#include "KCHeadlessDataView.h"
-#include "KCLayoutNames.h"
+#include "doc/KCDataDoc.h"
+#include "doc/KCHeadlessDataView.h"
+#include "doc/KCLayoutNames.h"
 
 #include <cstdio>
 

@@ -3,9 +3,9 @@
 #include "KCCliArgs.h"
 #include "KCCliHost.h"
 #include "KCCliImageLoader.h"
-#include "KCDataDoc.h"
+#include "doc/KCDataDoc.h"
 #include "KCFileFormatRegistry.h"
-#include "KCFormatNames.h"
+#include "fileio/KCFormatNames.h"
 
 #include <cstdio>
 

@@ -1,8 +1,8 @@
 #include "KCCliHost.h"
 
-#include "KCHostStrings.h"
+#include "host/KCHostStrings.h"
 
-#include "KCMessageMarks.h"
+#include "host/KCMessageMarks.h"
 
 #include <cstdio>
 #include <cstdlib>

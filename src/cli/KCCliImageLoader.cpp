@@ -1,10 +1,10 @@
 #include "KCCliImageLoader.h"
 
-#include "KCDataDoc.h"
-#include "KCFile.h"
+#include "doc/KCDataDoc.h"
+#include "fileio/KCFile.h"
 #include "KCFileFormatRegistry.h"
-#include "KCFileDialogCore.h"
-#include "KCFormatNames.h"
+#include "fileio/KCFileDialogCore.h"
+#include "fileio/KCFormatNames.h"
 
 #include <cstdio>
 #include <sys/stat.h>

@@ -3,10 +3,10 @@
 #include "KCCliArgs.h"
 #include "KCCliHost.h"
 #include "KCCliImageLoader.h"
-#include "KCDataDoc.h"
+#include "doc/KCDataDoc.h"
 #include "KCFileFormatRegistry.h"
-#include "KCFormatNames.h"
-#include "KCSerialDefCtrl.h"
+#include "fileio/KCFormatNames.h"
+#include "serial/KCSerialDefCtrl.h"
 
 #include <cstdio>
 #include <map>

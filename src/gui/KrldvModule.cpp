@@ -1,10 +1,10 @@
 #include "KrldvModule.h"
 
-#include "KCClassRegistry.h"
-#include "KCDataDoc.h"
+#include "host/KCClassRegistry.h"
+#include "doc/KCDataDoc.h"
 #include "KCFileDialog.h"
 #include "KCLoadSaveCombo.h"
-#include "KCUiAdrDataManager.h"
+#include "doc/KCUiAdrDataManager.h"
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 #include "KCAppHost.h"
-#include "KCFileDialogRequest.h"
+#include "fileio/KCFileDialogRequest.h"
 
-#include "KCSerialDefCtrl.h"
+#include "serial/KCSerialDefCtrl.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -9,7 +9,7 @@
 #include "KCAppSettings.h"
 #include "KCFileDialog.h"
 #include "KCMainFrame.h"
-#include "KCMessageMarks.h"
+#include "host/KCMessageMarks.h"
 #include "KCMessageWindow.h"
 #include "KCStatusBar.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "KCHostStringTable.h"
-#include "KCMainProgDataExChange.h"
+#include "host/KCHostStringTable.h"
+#include "host/KCMainProgDataExChange.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #include "KCDocWatcher.h"
 
-#include "KCDocBase.h"
+#include "doc/KCDocBase.h"
 
 void KCDocWatcher::watch(KCDocBase *doc)
 {

@@ -1,6 +1,6 @@
 #include "KCMessageWindow.h"
 
-#include "KCMessageMarks.h"
+#include "host/KCMessageMarks.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "KCStatusBar.h"
 
-#include "KCHostStrings.h"
+#include "host/KCHostStrings.h"
 
 #include <QFontMetrics>
 #include <QLabel>

@@ -1,7 +1,7 @@
 #include "KCWorkspaceTree.h"
 
-#include "KCDataDoc.h"
-#include "KCDocView.h"
+#include "doc/KCDataDoc.h"
+#include "doc/KCDocView.h"
 
 #include <QHeaderView>
 

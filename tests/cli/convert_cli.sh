@@ -134,4 +134,19 @@ for delay in 0.02 0.1 0.2 0.4; do
 done
 leftovers=$(ls "$T" | grep -c 'krldv-')
 [ "$leftovers" -eq 0 ] || bad "killed saves left $leftovers temporaries"
+
+# A reader's error is told once, naming file and line, with no summary line after it.
+msg=$("$KRLDV" convert "$T/bad1.hex" "$T/once.bin" 2>&1)
+[ "$(echo "$msg" | wc -l)" -eq 1 ] || bad "an error told more than once: $msg"
+
+# Huge inputs: a 5 GiB text file that is wrong at its first byte is rejected without being
+# read whole, and a binary larger than the buffer is said to be cut before it is read.
+truncate -s 5G "$T/huge.hex"
+if [ -x /usr/bin/time ]; then
+  /usr/bin/time -o "$T/rss" -f %M "$KRLDV" info "$T/huge.hex" >/dev/null 2>&1; kb=$(tail -1 "$T/rss")
+  [ "$kb" -lt 1048576 ] || bad "a 5 GiB file wrong at byte 0 was read whole ($kb KiB)"
+fi
+msg=$("$KRLDV" info "$T/huge.hex" 2>&1); [ $? -eq 1 ] || bad "huge malformed file: exit status"
+case "$msg" in *"huge.hex: line 1: "*) ;; *) bad "huge malformed file message: $msg" ;; esac
+rm -f "$T/huge.hex"
 exit $fail

@@ -1,5 +1,5 @@
-#include "KCClassRegistry.h"
-#include "KCDataDoc.h"
+#include "host/KCClassRegistry.h"
+#include "doc/KCDataDoc.h"
 #include "KCTestHost.h"
 #include "KrldvModule.h"
 

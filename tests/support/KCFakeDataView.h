@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KCHeadlessDataView.h"
+#include "doc/KCHeadlessDataView.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KCSerialDefCtrl.h"
+#include "serial/KCSerialDefCtrl.h"
 #include "KCTestHost.h"
 
 #include <cstdlib>

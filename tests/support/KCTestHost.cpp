@@ -1,5 +1,5 @@
 #include "KCTestHost.h"
-#include "KCFileDialogRequest.h"
+#include "fileio/KCFileDialogRequest.h"
 
 KCTestHost::KCTestHost() : m_previousHost(g_pMainProgDataExChange)
 {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "KCFileDialogRequest.h"
-#include "KCHostStringTable.h"
-#include "KCMainProgDataExChange.h"
+#include "fileio/KCFileDialogRequest.h"
+#include "host/KCHostStringTable.h"
+#include "host/KCMainProgDataExChange.h"
 
 #include <deque>
 #include <functional>

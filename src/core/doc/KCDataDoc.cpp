@@ -1,10 +1,10 @@
-#include "KCDataDoc.h"
+#include "doc/KCDataDoc.h"
 
-#include "KCDocView.h"
-#include "KCHostStrings.h"
-#include "KCMainProgDataExChange.h"
-#include "KCFormat.h"
-#include "cBufferSum.h"
+#include "doc/KCDocView.h"
+#include "host/KCHostStrings.h"
+#include "host/KCMainProgDataExChange.h"
+#include "host/KCFormat.h"
+#include "doc/cBufferSum.h"
 
 #include <algorithm>
 

@@ -1,16 +1,16 @@
 #pragma once
 
-#include "DEVICE_KRLXDEF_ITEM.h"
+#include "doc/DEVICE_KRLXDEF_ITEM.h"
 #include "KCFileFormat.h"
-#include "KCDataMap.h"
-#include "KCDocBase.h"
-#include "KCSerialState.h"
-#include "KCSerialTarget.h"
-#include "KCUndoHistory.h"
-#include "KCFileTypes.h"
-#include "TAG_BUFFER_PARAM.h"
-#include "TAG_DATADOC_VIEWITEM.h"
-#include "cAlgoParam.h"
+#include "doc/KCDataMap.h"
+#include "doc/KCDocBase.h"
+#include "serial/KCSerialState.h"
+#include "serial/KCSerialTarget.h"
+#include "doc/KCUndoHistory.h"
+#include "fileio/KCFileTypes.h"
+#include "doc/TAG_BUFFER_PARAM.h"
+#include "doc/TAG_DATADOC_VIEWITEM.h"
+#include "doc/cAlgoParam.h"
 
 #include <cstdint>
 #include <memory>

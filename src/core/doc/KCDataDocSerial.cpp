@@ -1,6 +1,6 @@
 // Where the document's serial numbers are written: buffer 0, through the document's own
 // writes, so the checksum, the data map and undo follow.
-#include "KCDataDoc.h"
+#include "doc/KCDataDoc.h"
 
 bool KCDataDoc::hasSerialTarget()
 {

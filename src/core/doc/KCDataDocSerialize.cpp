@@ -1,22 +1,22 @@
 // The document's open/save pipeline: dispatch by file type, the reader and writer adapters,
 // the open and save commands, and safe saving through a temporary file.
-#include "KCDataDoc.h"
-#include "KCFileDialogRequest.h"
+#include "doc/KCDataDoc.h"
+#include "fileio/KCFileDialogRequest.h"
 
-#include "KCArchive.h"
+#include "fileio/KCArchive.h"
 #include "KCFdOutputStream.h"
-#include "KCFileDialogCore.h"
+#include "fileio/KCFileDialogCore.h"
 #include "KCFileFormatRegistry.h"
-#include "KCFileTypeTable.h"
-#include "KCImagePipeline.h"
-#include "KCFormat.h"
-#include "KCHostFileMessage.h"
-#include "KCHostStrings.h"
-#include "KCMainProgDataExChange.h"
+#include "fileio/KCFileTypeTable.h"
+#include "doc/KCImagePipeline.h"
+#include "host/KCFormat.h"
+#include "fileio/KCHostFileMessage.h"
+#include "host/KCHostStrings.h"
+#include "host/KCMainProgDataExChange.h"
 #include "KCMappedFile.h"
-#include "KCSaveFile.h"
-#include "KCMessageMarks.h"
-#include "KCUiAdrDataManager.h"
+#include "fileio/KCSaveFile.h"
+#include "host/KCMessageMarks.h"
+#include "doc/KCUiAdrDataManager.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "KCDataMap.h"
+#include "doc/KCDataMap.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,6 +1,6 @@
-#include "KCDocBase.h"
+#include "doc/KCDocBase.h"
 
-#include "KCDocView.h"
+#include "doc/KCDocView.h"
 
 #include <algorithm>
 

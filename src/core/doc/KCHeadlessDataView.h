@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KCDocView.h"
+#include "doc/KCDocView.h"
 
 #include <string>
 

@@ -1,13 +1,13 @@
-#include "KCImagePipeline.h"
+#include "doc/KCImagePipeline.h"
 
-#include "KCArchive.h"
-#include "KCDataDoc.h"
-#include "KCFileDialogCore.h"
+#include "fileio/KCArchive.h"
+#include "doc/KCDataDoc.h"
+#include "fileio/KCFileDialogCore.h"
 #include "KCFileFormatRegistry.h"
-#include "KCHostFileMessage.h"
-#include "KCHostStrings.h"
-#include "KCMainProgDataExChange.h"
-#include "KCMessageMarks.h"
+#include "fileio/KCHostFileMessage.h"
+#include "host/KCHostStrings.h"
+#include "host/KCMainProgDataExChange.h"
+#include "host/KCMessageMarks.h"
 
 #include <cinttypes>
 #include <cstdio>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "KCDataMap.h"
-#include "KCFileTypeTable.h"
+#include "doc/KCDataMap.h"
+#include "fileio/KCFileTypeTable.h"
 
 #include <cstdint>
 #include <string>

@@ -1,8 +1,8 @@
-#include "KCUiAdrDataManager.h"
+#include "doc/KCUiAdrDataManager.h"
 
-#include "KCLayoutNames.h"
-#include "TAG_BUFFER_PARAM.h"
-#include "TAG_UI_ALGODATA_KRL3.h"
+#include "doc/KCLayoutNames.h"
+#include "doc/TAG_BUFFER_PARAM.h"
+#include "doc/TAG_UI_ALGODATA_KRL3.h"
 
 namespace {
 

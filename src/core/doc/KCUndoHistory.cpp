@@ -1,4 +1,4 @@
-#include "KCUndoHistory.h"
+#include "doc/KCUndoHistory.h"
 
 uint64_t KCUndoHistory::Step::bytes() const
 {

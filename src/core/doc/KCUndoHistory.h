@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KCDataMap.h"
+#include "doc/KCDataMap.h"
 
 #include <cstdint>
 #include <string>

@@ -1,4 +1,4 @@
-#include "cAlgoParam.h"
+#include "doc/cAlgoParam.h"
 
 cAlgoParam::cAlgoParam(unsigned long bufferId, void *hardwareParam, void *mainObject, int maxBuffers)
     : m_bufferId(bufferId), m_hardwareParam(hardwareParam), m_mainObject(mainObject), m_maxBuffers(maxBuffers)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "TAG_UI_ALGODATA_KRL3.h"
-#include "cByteBuffer.h"
+#include "doc/TAG_UI_ALGODATA_KRL3.h"
+#include "doc/cByteBuffer.h"
 
 #include <memory>
 #include <string>

@@ -1,4 +1,4 @@
-#include "cBufferSum.h"
+#include "doc/cBufferSum.h"
 
 #include <immintrin.h>
 #include <thread>

@@ -1,4 +1,4 @@
-#include "KCFile.h"
+#include "fileio/KCFile.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,8 +1,8 @@
-#include "KCFileDialogCore.h"
+#include "fileio/KCFileDialogCore.h"
 
-#include "KCFileTypeTable.h"
-#include "KCHostStrings.h"
-#include "KCMainProgDataExChange.h"
+#include "fileio/KCFileTypeTable.h"
+#include "host/KCHostStrings.h"
+#include "host/KCMainProgDataExChange.h"
 
 #include <algorithm>
 #include <cctype>

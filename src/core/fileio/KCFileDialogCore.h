@@ -1,7 +1,7 @@
 #pragma once
 
-#include "KCFileTypes.h"
-#include "TAG_KRL_FILETYPE_INFO.h"
+#include "fileio/KCFileTypes.h"
+#include "fileio/TAG_KRL_FILETYPE_INFO.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
-#include "KCFileTypeTable.h"
+#include "fileio/KCFileTypeTable.h"
 
-#include "KCFileDialogCore.h"
-#include "KCHostStrings.h"
-#include "KCMainProgDataExChange.h"
+#include "fileio/KCFileDialogCore.h"
+#include "host/KCHostStrings.h"
+#include "host/KCMainProgDataExChange.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,6 +1,6 @@
-#include "KCFormatNames.h"
+#include "fileio/KCFormatNames.h"
 
-#include "KCFileTypeTable.h"
+#include "fileio/KCFileTypeTable.h"
 
 LOADSAVE_FILETYPE KCFormatNames::loadSaveType(const std::string &formatName)
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KCFileTypes.h"
+#include "fileio/KCFileTypes.h"
 
 #include <string>
 

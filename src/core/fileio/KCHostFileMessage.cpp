@@ -1,7 +1,7 @@
-#include "KCHostFileMessage.h"
+#include "fileio/KCHostFileMessage.h"
 
-#include "KCMainProgDataExChange.h"
-#include "KCMessageMarks.h"
+#include "host/KCMainProgDataExChange.h"
+#include "host/KCMessageMarks.h"
 
 void KCHostFileMessage::message(Severity severity, const std::string &fileName, uint64_t line, const std::string &text)
 {

@@ -1,4 +1,4 @@
-#include "KCSaveFile.h"
+#include "fileio/KCSaveFile.h"
 
 #include <cerrno>
 #include <climits>

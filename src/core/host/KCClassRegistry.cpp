@@ -1,4 +1,4 @@
-#include "KCClassRegistry.h"
+#include "host/KCClassRegistry.h"
 
 KCClassRegistry &KCClassRegistry::instance()
 {

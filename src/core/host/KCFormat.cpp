@@ -1,4 +1,4 @@
-#include "KCFormat.h"
+#include "host/KCFormat.h"
 
 #include <cctype>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KCFormatArg.h"
+#include "host/KCFormatArg.h"
 
 #include <initializer_list>
 #include <string>

@@ -1,8 +1,8 @@
-#include "KCHostStringTable.h"
+#include "host/KCHostStringTable.h"
 
 #include "KCTextLines.h"
 
-#include "KCFormat.h"
+#include "host/KCFormat.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "KCMainProgDataExChange.h"
+#include "host/KCMainProgDataExChange.h"
 
 #include <sys/stat.h>
 

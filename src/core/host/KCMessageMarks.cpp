@@ -1,4 +1,4 @@
-#include "KCMessageMarks.h"
+#include "host/KCMessageMarks.h"
 
 #include <cctype>
 

@@ -1,4 +1,4 @@
-#include "KCNumberText.h"
+#include "host/KCNumberText.h"
 
 #include <cctype>
 

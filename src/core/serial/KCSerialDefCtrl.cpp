@@ -1,9 +1,9 @@
-#include "KCSerialDefCtrl.h"
+#include "serial/KCSerialDefCtrl.h"
 
-#include "KCFormat.h"
-#include "KCHostStrings.h"
-#include "KCMainProgDataExChange.h"
-#include "cSerialDefFile.h"
+#include "host/KCFormat.h"
+#include "host/KCHostStrings.h"
+#include "host/KCMainProgDataExChange.h"
+#include "serial/cSerialDefFile.h"
 
 #include <algorithm>
 #include <cstring>

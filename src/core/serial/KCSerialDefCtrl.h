@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TAG_SERIAL_NUMBER.h"
+#include "serial/TAG_SERIAL_NUMBER.h"
 
 #include <atomic>
 #include <cstddef>

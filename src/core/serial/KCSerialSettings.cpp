@@ -1,9 +1,9 @@
-#include "KCSerialSettings.h"
+#include "serial/KCSerialSettings.h"
 
-#include "KCSerialState.h"
-#include "KCSerialTarget.h"
-#include "KCMainProgDataExChange.h"
-#include "KCSerialDefCtrl.h"
+#include "serial/KCSerialState.h"
+#include "serial/KCSerialTarget.h"
+#include "host/KCMainProgDataExChange.h"
+#include "serial/KCSerialDefCtrl.h"
 
 #include <cstdio>
 

@@ -1,8 +1,8 @@
-#include "KCSerialState.h"
+#include "serial/KCSerialState.h"
 
-#include "KCMainProgDataExChange.h"
-#include "KCSerialDefCtrl.h"
-#include "KCSerialTarget.h"
+#include "host/KCMainProgDataExChange.h"
+#include "serial/KCSerialDefCtrl.h"
+#include "serial/KCSerialTarget.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TAG_ELEMENT_OF_LIST.h"
+#include "serial/TAG_ELEMENT_OF_LIST.h"
 
 #include <cstdint>
 #include <string>

@@ -1,4 +1,4 @@
-#include "cSerialDefFile.h"
+#include "serial/cSerialDefFile.h"
 
 #include <algorithm>
 #include <cerrno>

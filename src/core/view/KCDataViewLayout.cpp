@@ -1,4 +1,4 @@
-#include "KCDataViewLayout.h"
+#include "view/KCDataViewLayout.h"
 
 #include <algorithm>
 #include <climits>

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "KCDataMap.h"
+#include "doc/KCDataMap.h"
 
-#include "TAG_VIEW_BUFFER_LAYOUT_ITEM.h"
-#include "TAG_VIEW_POSITION.h"
-#include "TAG_VIEW_ROW.h"
+#include "view/TAG_VIEW_BUFFER_LAYOUT_ITEM.h"
+#include "view/TAG_VIEW_POSITION.h"
+#include "view/TAG_VIEW_ROW.h"
 
 #include <cstdint>
 #include <set>

@@ -1,8 +1,8 @@
-#include "KCDataViewLayoutSet.h"
+#include "view/KCDataViewLayoutSet.h"
 
-#include "KCHostStrings.h"
-#include "KCLayoutNames.h"
-#include "KCMainProgDataExChange.h"
+#include "host/KCHostStrings.h"
+#include "doc/KCLayoutNames.h"
+#include "host/KCMainProgDataExChange.h"
 
 namespace {
 

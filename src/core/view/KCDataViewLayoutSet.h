@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KCDataViewLayout.h"
+#include "view/KCDataViewLayout.h"
 
 #include <cstdint>
 #include <memory>

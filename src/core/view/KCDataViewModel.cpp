@@ -1,7 +1,7 @@
-#include "KCDataViewModel.h"
+#include "view/KCDataViewModel.h"
 
-#include "KCDataDoc.h"
-#include "KCDataViewListener.h"
+#include "doc/KCDataDoc.h"
+#include "view/KCDataViewListener.h"
 
 #include <algorithm>
 #include <cstdlib>

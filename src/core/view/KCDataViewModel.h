@@ -1,10 +1,10 @@
 #pragma once
 
-#include "KCDataViewLayoutSet.h"
-#include "KCDocView.h"
-#include "KCMainProgDataExChange.h"
-#include "TAG_SCROLLBORDER.h"
-#include "TAG_VIEW_ROW.h"
+#include "view/KCDataViewLayoutSet.h"
+#include "doc/KCDocView.h"
+#include "host/KCMainProgDataExChange.h"
+#include "view/TAG_SCROLLBORDER.h"
+#include "view/TAG_VIEW_ROW.h"
 
 #include <cstdint>
 #include <set>

@@ -1,4 +1,4 @@
-#include "KCIndexedColor.h"
+#include "view/KCIndexedColor.h"
 
 #include <cstddef>
 

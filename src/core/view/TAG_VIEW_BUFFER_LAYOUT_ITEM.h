@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TAG_X_LAYOUT.h"
+#include "view/TAG_X_LAYOUT.h"
 
 #include <cstdint>
 #include <vector>

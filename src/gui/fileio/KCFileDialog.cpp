@@ -1,6 +1,6 @@
 #include "KCFileDialog.h"
 
-#include "KCHostStrings.h"
+#include "host/KCHostStrings.h"
 #include "KCLoadSaveCombo.h"
 
 #include <QDialogButtonBox>

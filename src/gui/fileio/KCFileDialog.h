@@ -1,7 +1,7 @@
 #pragma once
 
-#include "KCFileDialogCore.h"
-#include "KCMainProgDataExChange.h"
+#include "fileio/KCFileDialogCore.h"
+#include "host/KCMainProgDataExChange.h"
 
 #include <QFileDialog>
 

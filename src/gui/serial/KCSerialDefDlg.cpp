@@ -1,7 +1,7 @@
 #include "KCSerialDefDlg.h"
 
-#include "KCDataDoc.h"
-#include "KCSerialDefCtrl.h"
+#include "doc/KCDataDoc.h"
+#include "serial/KCSerialDefCtrl.h"
 
 #include <QButtonGroup>
 #include <QDialogButtonBox>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "KCSerialSettings.h"
+#include "serial/KCSerialSettings.h"
 
 #include <QDialog>
 

@@ -1,9 +1,9 @@
 #include "KCDataView.h"
 
-#include "KCDataDoc.h"
-#include "KCDataViewLayout.h"
-#include "KCIndexedColor.h"
-#include "KCLayoutNames.h"
+#include "doc/KCDataDoc.h"
+#include "view/KCDataViewLayout.h"
+#include "view/KCIndexedColor.h"
+#include "doc/KCLayoutNames.h"
 
 #include <QApplication>
 #include <QFocusEvent>

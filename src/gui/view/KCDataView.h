@@ -1,9 +1,9 @@
 #pragma once
 
-#include "KCDataViewListener.h"
-#include "KCDataViewModel.h"
+#include "view/KCDataViewListener.h"
+#include "view/KCDataViewModel.h"
 #include "KCDataViewRenderer.h"
-#include "KCDocView.h"
+#include "doc/KCDocView.h"
 
 #include <QAbstractScrollArea>
 #include <QPoint>

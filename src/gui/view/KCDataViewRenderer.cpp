@@ -1,7 +1,7 @@
 #include "KCDataViewRenderer.h"
 
-#include "KCDataViewModel.h"
-#include "KCIndexedColor.h"
+#include "view/KCDataViewModel.h"
+#include "view/KCIndexedColor.h"
 
 #include <QFontMetrics>
 #include <QGlyphRun>

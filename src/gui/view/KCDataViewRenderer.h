@@ -1,6 +1,6 @@
 #pragma once
 
-#include "TAG_VIEW_ROW.h"
+#include "view/TAG_VIEW_ROW.h"
 
 #include <QColor>
 #include <QFont>

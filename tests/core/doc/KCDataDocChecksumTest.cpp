@@ -1,8 +1,8 @@
-#include "KCDataDoc.h"
+#include "doc/KCDataDoc.h"
 #include "KCFakeDataView.h"
-#include "KCHostStrings.h"
+#include "host/KCHostStrings.h"
 #include "KCTestHost.h"
-#include "cBufferSum.h"
+#include "doc/cBufferSum.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "KCDataDoc.h"
+#include "doc/KCDataDoc.h"
 #include "KCFakeDataView.h"
-#include "KCHostStrings.h"
+#include "host/KCHostStrings.h"
 #include "KCTestHost.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // An image keeps its shape: what was loaded is what gets saved, plus what the user changed.
-#include "KCDataDoc.h"
+#include "doc/KCDataDoc.h"
 #include "KCTempDir.h"
 #include "KCTestHost.h"
 

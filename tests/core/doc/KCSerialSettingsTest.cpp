@@ -1,6 +1,6 @@
-#include "KCDataDoc.h"
-#include "KCSerialDefCtrl.h"
-#include "KCSerialSettings.h"
+#include "doc/KCDataDoc.h"
+#include "serial/KCSerialDefCtrl.h"
+#include "serial/KCSerialSettings.h"
 #include "KCSerialTestHost.h"
 
 #include <gtest/gtest.h>

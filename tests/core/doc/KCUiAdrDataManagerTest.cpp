@@ -1,6 +1,6 @@
-#include "KCUiAdrDataManager.h"
-#include "TAG_BUFFER_PARAM.h"
-#include "TAG_UI_ALGODATA_KRL3.h"
+#include "doc/KCUiAdrDataManager.h"
+#include "doc/TAG_BUFFER_PARAM.h"
+#include "doc/TAG_UI_ALGODATA_KRL3.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "KCDataDoc.h"
+#include "doc/KCDataDoc.h"
 #include "KCTempDir.h"
 #include "KCTestHost.h"
 

@@ -1,4 +1,4 @@
-#include "cByteBuffer.h"
+#include "doc/cByteBuffer.h"
 
 #include <gtest/gtest.h>
 

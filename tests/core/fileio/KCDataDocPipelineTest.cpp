@@ -1,6 +1,6 @@
-#include "KCDataDoc.h"
-#include "KCFileDialogRequest.h"
-#include "KCFileDialogCore.h"
+#include "doc/KCDataDoc.h"
+#include "fileio/KCFileDialogRequest.h"
+#include "fileio/KCFileDialogCore.h"
 #include "KCTempDir.h"
 #include "KCTestHost.h"
 

@@ -1,4 +1,4 @@
-#include "KCFileDialogCore.h"
+#include "fileio/KCFileDialogCore.h"
 #include "KCTestHost.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #include "KCFileFormatRegistry.h"
-#include "KCFileTypeTable.h"
+#include "fileio/KCFileTypeTable.h"
 #include "KCTempDir.h"
 #include "KCTestHost.h"
 

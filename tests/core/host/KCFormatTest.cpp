@@ -1,4 +1,4 @@
-#include "KCFormat.h"
+#include "host/KCFormat.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ TEST(KCFormat, FormatsLikePrintfAndNeverCrashes)
     EXPECT_EQ(KCFormat::argumentCount("%08X %% %s %q"), 2);
 }
 
-#include "KCMessageMarks.h"
+#include "host/KCMessageMarks.h"
 
 TEST(KCMessageMarks, SplitsMarksFromText)
 {

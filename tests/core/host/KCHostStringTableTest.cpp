@@ -1,6 +1,6 @@
-#include "KCFormat.h"
-#include "KCHostStringTable.h"
-#include "KCHostStrings.h"
+#include "host/KCFormat.h"
+#include "host/KCHostStringTable.h"
+#include "host/KCHostStrings.h"
 
 #include <gtest/gtest.h>
 

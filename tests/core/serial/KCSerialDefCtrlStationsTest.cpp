@@ -1,5 +1,5 @@
 // Several station processes consuming numbers from one definition file at the same time.
-#include "KCSerialDefCtrl.h"
+#include "serial/KCSerialDefCtrl.h"
 #include "KCTestHost.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "KCSerialDefCtrl.h"
+#include "serial/KCSerialDefCtrl.h"
 #include "KCTestHost.h"
-#include "cSerialDefFile.h"
+#include "serial/cSerialDefFile.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // A programming station in a separate process: consumes numbers from a definition file
 // and writes each value, in decimal, as one line to stdout as soon as it has it. PAUSE
 // stands for programming a device between two numbers.
-#include "KCSerialDefCtrl.h"
+#include "serial/KCSerialDefCtrl.h"
 #include "KCTestHost.h"
 
 #include <cstdio>

@@ -1,5 +1,5 @@
-#include "KCDataViewLayoutSet.h"
-#include "KCLayoutNames.h"
+#include "view/KCDataViewLayoutSet.h"
+#include "doc/KCLayoutNames.h"
 #include "KCTestHost.h"
 
 #include <gtest/gtest.h>

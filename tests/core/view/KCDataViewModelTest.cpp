@@ -1,8 +1,8 @@
-#include "KCDataDoc.h"
-#include "KCDataViewModel.h"
+#include "doc/KCDataDoc.h"
+#include "view/KCDataViewModel.h"
 #include "KCFakeDataView.h"
-#include "KCHostStrings.h"
-#include "KCLayoutNames.h"
+#include "host/KCHostStrings.h"
+#include "doc/KCLayoutNames.h"
 #include "KCTestHost.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // The application keeps an image's shape and shows the same checksum as the command line.
 #include "KCAppHost.h"
-#include "KCDataDoc.h"
+#include "doc/KCDataDoc.h"
 #include "KCDataView.h"
 #include "KCFileDialog.h"
 #include "KCLoadSaveCombo.h"

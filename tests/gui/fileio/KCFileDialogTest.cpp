@@ -1,5 +1,5 @@
 #include "KCFileDialog.h"
-#include "KCHostStrings.h"
+#include "host/KCHostStrings.h"
 #include "KCLoadSaveCombo.h"
 #include "KCTestHost.h"
 

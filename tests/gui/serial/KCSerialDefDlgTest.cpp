@@ -1,5 +1,5 @@
-#include "KCDataDoc.h"
-#include "KCSerialDefCtrl.h"
+#include "doc/KCDataDoc.h"
+#include "serial/KCSerialDefCtrl.h"
 #include "KCSerialDefDlg.h"
 #include "KCSerialTestHost.h"
 

@@ -1,7 +1,7 @@
-#include "KCDataDoc.h"
+#include "doc/KCDataDoc.h"
 #include "KCDataView.h"
-#include "KCHostStrings.h"
-#include "KCLayoutNames.h"
+#include "host/KCHostStrings.h"
+#include "doc/KCLayoutNames.h"
 #include "KCTestHost.h"
 
 #include <QApplication>
