@@ -180,6 +180,21 @@ void KCMainFrame::createActions()
     m_newWindowAction = new QAction(tr("New &Window"), this);
     connect(m_newWindowAction, &QAction::triggered, this, &KCMainFrame::newWindow);
 
+    m_undoAction = new QAction(tr("&Undo"), this);
+    m_undoAction->setShortcut(QKeySequence::Undo);
+    connect(m_undoAction, &QAction::triggered, this, [this] {
+        if (m_doc)
+            m_doc->Undo();
+        updateUndoActions();
+    });
+    m_redoAction = new QAction(tr("&Redo"), this);
+    m_redoAction->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
+    connect(m_redoAction, &QAction::triggered, this, [this] {
+        if (m_doc)
+            m_doc->Redo();
+        updateUndoActions();
+    });
+
     m_swapAction = new QAction(tr("&Swap Bytes..."), this);
     m_swapAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_B));
     connect(m_swapAction, &QAction::triggered, this, [this] {
@@ -232,6 +247,10 @@ void KCMainFrame::createMenus()
     file->addAction(m_settingsAction);
     file->addSeparator();
     file->addAction(m_exitAction);
+
+    QMenu *edit = menuBar()->addMenu(tr("&Edit"));
+    edit->addAction(m_undoAction);
+    edit->addAction(m_redoAction);
 
     QMenu *view = menuBar()->addMenu(tr("&View"));
     view->addActions(m_layoutGroup->actions());
@@ -429,6 +448,7 @@ void KCMainFrame::documentUpdated(long hint)
         return;
     m_status->setModified(m_doc->IsModified());
     updateMarkSum(currentView());
+    updateUndoActions();
     if (hint == DOCHINT_MODIFIED_FLAG || hint == DOCHINT_ALL) {
         m_tree->rebuild(m_doc.get());
         updateTitle();
@@ -469,6 +489,19 @@ void KCMainFrame::updateTitle()
     setWindowModified(m_doc && m_doc->IsModified() != 0);
 }
 
+void KCMainFrame::updateUndoActions()
+{
+    KCUndoHistory *history = m_doc ? &m_doc->undoHistory() : nullptr;
+    m_undoAction->setEnabled(history && history->canUndo());
+    m_redoAction->setEnabled(history && history->canRedo());
+    m_undoAction->setText(history && history->canUndo()
+                              ? tr("&Undo %1").arg(QString::fromStdString(history->undoName()))
+                              : tr("&Undo"));
+    m_redoAction->setText(history && history->canRedo()
+                              ? tr("&Redo %1").arg(QString::fromStdString(history->redoName()))
+                              : tr("&Redo"));
+}
+
 void KCMainFrame::updateMarkSum(KCDataView *view)
 {
     int64_t low = 0, high = 0;
@@ -489,6 +522,7 @@ void KCMainFrame::updateActions()
     m_saveAction->setEnabled(hasDoc);
     m_saveAsAction->setEnabled(hasDoc);
     m_closeAction->setEnabled(hasDoc);
+    updateUndoActions();
     m_swapAction->setEnabled(hasDoc);
     m_serialAction->setEnabled(hasDoc);
     m_takeSerialAction->setEnabled(hasDoc && m_doc->serialMode() != 0);

@@ -81,6 +81,7 @@ private:
     void updateTitle();
     void updateActions();
     void updateMarkSum(KCDataView *view);
+    void updateUndoActions();
     void takeNextSerialNumber();
     void updateRecentMenu();
     void saveRecentFiles();
@@ -106,6 +107,8 @@ private:
     QAction *m_reloadAction = nullptr;
     QAction *m_saveAction = nullptr;
     QAction *m_closeAction = nullptr;
+    QAction *m_undoAction = nullptr;
+    QAction *m_redoAction = nullptr;
     QAction *m_saveAsAction = nullptr;
     QAction *m_settingsAction = nullptr;
     QAction *m_exitAction = nullptr;

@@ -167,6 +167,22 @@ TEST_F(ImageShapeApp, WindowCommandsWorkAsPeopleExpect)
         QTest::keyClick(view, Qt::Key_Right, Qt::ShiftModifier);
     EXPECT_EQ(frame->statusPanes()->markSumText().toStdString(), "Marked 0x00000000-0x00000004: sum 0x00000005");
 
+    // Edit > Undo takes typed bytes back to what was loaded, clean again; Redo brings them.
+    QTest::keyClick(view, Qt::Key_Home);
+    view->model().setCaretAddress(0);
+    QTest::keyClicks(view, "ab");
+    EXPECT_EQ(frame->document()->GetData(0), 0xAB);
+    QAction *undo = frame->action(QKeySequence::Undo);
+    ASSERT_NE(undo, nullptr);
+    EXPECT_TRUE(undo->isEnabled());
+    undo->trigger();
+    undo->trigger();
+    EXPECT_EQ(frame->document()->GetData(0), 0x01);
+    EXPECT_FALSE(frame->document()->IsModified());
+    EXPECT_FALSE(undo->isEnabled());
+    frame->action(QKeySequence(Qt::CTRL | Qt::Key_Y))->trigger();
+    EXPECT_TRUE(frame->document()->IsModified());
+
     // Save As renames the document in the tree and the title.
     frame->host().setInteractive(true);
     std::function<void(int)> answer = [&](int attempts) {
