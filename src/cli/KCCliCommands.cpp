@@ -2,6 +2,7 @@
 
 #include "KCCliChecksumCommand.h"
 #include "KCCliConvertCommand.h"
+#include "KCCliFillCommand.h"
 #include "KCCliInfoCommand.h"
 #include "KCCliSerialCommand.h"
 
@@ -11,6 +12,7 @@ std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
     commands.push_back(std::make_unique<KCCliInfoCommand>());
     commands.push_back(std::make_unique<KCCliConvertCommand>());
     commands.push_back(std::make_unique<KCCliChecksumCommand>());
+    commands.push_back(std::make_unique<KCCliFillCommand>());
     commands.push_back(std::make_unique<KCCliSerialCommand>());
     return commands;
 }

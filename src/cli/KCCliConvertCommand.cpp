@@ -57,23 +57,8 @@ int KCCliConvertCommand::run(const std::vector<std::string> &args)
         problem = "--record-bytes takes 1..255, not " + a.value("record-bytes");
 
     const KCFileFormatInfo *to = nullptr;
-    if (problem.empty()) {
-        const std::string &out = a.positional()[1];
-        if (a.has("to")) {
-            to = KCFileFormatRegistry::byName(a.value("to"));
-            if (!to || KCFormatNames::loadSaveType(to->name) == LS_INVALID)
-                problem = "unknown output format '" + a.value("to") + "' (known: " + KCCliImageLoader::formatList() + ")";
-        } else if (out == "-") {
-            problem = "writing standard output needs the format by name: give --to";
-        } else {
-            const size_t dot = out.rfind('.');
-            to = dot == std::string::npos ? nullptr : KCFileFormatRegistry::byExtension(out.substr(dot + 1));
-            if (!to)
-                problem = "cannot tell the output format from '" + out + "': give --to";
-        }
-        if (to && !to->writable)
-            problem = std::string("format ") + to->name + " can be read but not written";
-    }
+    if (problem.empty())
+        to = KCCliImageLoader::outputFormat(a.positional()[1], a.value("to"), problem);
     if (problem.empty())
         problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("from"));
     if (!problem.empty())

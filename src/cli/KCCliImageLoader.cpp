@@ -39,6 +39,34 @@ std::string KCCliImageLoader::formatProblem(const std::string &path, const std::
     return std::string();
 }
 
+const KCFileFormatInfo *KCCliImageLoader::outputFormat(const std::string &out, const std::string &formatName,
+                                                       std::string &problem)
+{
+    const KCFileFormatInfo *to = nullptr;
+    if (!formatName.empty()) {
+        to = KCFileFormatRegistry::byName(formatName);
+        if (!to || KCFormatNames::loadSaveType(to->name) == LS_INVALID) {
+            problem = "unknown output format '" + formatName + "' (known: " + formatList() + ")";
+            return nullptr;
+        }
+    } else if (out == "-") {
+        problem = "writing standard output needs the format by name: give --to";
+        return nullptr;
+    } else {
+        const size_t dot = out.rfind('.');
+        to = dot == std::string::npos ? nullptr : KCFileFormatRegistry::byExtension(out.substr(dot + 1));
+        if (!to) {
+            problem = "cannot tell the output format from '" + out + "': give --to";
+            return nullptr;
+        }
+    }
+    if (!to->writable) {
+        problem = std::string("format ") + to->name + " can be read but not written";
+        return nullptr;
+    }
+    return to;
+}
+
 bool KCCliImageLoader::chooseFormat(const std::string &path, const std::string &formatName, Choice &choice)
 {
     choice = Choice();

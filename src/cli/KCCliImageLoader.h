@@ -26,4 +26,7 @@ public:
     // A usage problem with the format named for `path`, or empty: an unknown name, or no name
     // for standard input ("-"), whose content cannot be looked at first.
     static std::string formatProblem(const std::string &path, const std::string &formatName);
+    // The writable format of OUT: named, or from OUT's extension; null with `problem` set.
+    static const KCFileFormatInfo *outputFormat(const std::string &out, const std::string &formatName,
+                                                std::string &problem);
 };

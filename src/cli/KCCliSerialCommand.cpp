@@ -85,14 +85,8 @@ int KCCliSerialCommand::runStamp(const std::vector<std::string> &rawArgs)
     if (problem.empty() && !a.has("output"))
         problem = "give the output image with -o OUT";
     const KCFileFormatInfo *to = nullptr;
-    if (problem.empty()) {
-        const std::string out = a.value("output");
-        const size_t dot = out.rfind('.');
-        to = a.has("to") ? KCFileFormatRegistry::byName(a.value("to"))
-                         : dot == std::string::npos ? nullptr : KCFileFormatRegistry::byExtension(out.substr(dot + 1));
-        if (!to || !to->writable || KCFormatNames::loadSaveType(to->name) == LS_INVALID)
-            problem = "cannot write the output format of '" + out + "': give --to bin, intel, motorola or jedec";
-    }
+    if (problem.empty())
+        to = KCCliImageLoader::outputFormat(a.value("output"), a.value("to"), problem);
     if (problem.empty())
         problem = KCCliImageLoader::formatProblem(p[1], a.value("from"));
     if (!problem.empty())
