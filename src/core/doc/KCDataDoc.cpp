@@ -262,22 +262,24 @@ void KCDataDoc::applyStep(KCUndoHistory::Step &step, bool undo)
 
 bool KCDataDoc::Undo()
 {
-    if (!m_undo.canUndo())
-        return false;
-    applyStep(m_undo.nextUndo(), true);
-    m_undo.undone();
-    SetModifiedFlag(m_undo.isAtSaved() ? 0 : 1);
-    PrintCheckSum(-1);
-    UpdateAllViews(nullptr, DOCHINT_DATA);
-    return true;
+    return stepHistory(true);
 }
 
 bool KCDataDoc::Redo()
 {
-    if (!m_undo.canRedo())
+    return stepHistory(false);
+}
+
+bool KCDataDoc::stepHistory(bool undo)
+{
+    if (undo ? !m_undo.canUndo() : !m_undo.canRedo())
         return false;
-    applyStep(m_undo.nextRedo(), false);
-    m_undo.redone();
+    applyStep(undo ? m_undo.nextUndo() : m_undo.nextRedo(), undo);
+    if (undo)
+        m_undo.undone();
+    else
+        m_undo.redone();
+    // Back at the state last saved, the buffer matches its file again.
     SetModifiedFlag(m_undo.isAtSaved() ? 0 : 1);
     PrintCheckSum(-1);
     UpdateAllViews(nullptr, DOCHINT_DATA);

@@ -258,6 +258,7 @@ private:
     bool beforeChange(uint64_t first, uint64_t count, const char *name, bool &ownStep);
     void afterChange(bool ownStep);
     void applyStep(KCUndoHistory::Step &step, bool undo);
+    bool stepHistory(bool undo);
     void updateChecksumForWrite(uint64_t first, uint64_t last, const uint8_t *newBytes, uint8_t fill);
 
     friend class KCImagePipeline;
