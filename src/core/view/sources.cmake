@@ -1,6 +1,8 @@
 list(APPEND KRLDV_CORE_SOURCES
   view/KCDataViewLayout.cpp
   view/KCDataViewLayoutSet.cpp
+  view/KCClipboardController.cpp
   view/KCDataViewModel.cpp
   view/KCIndexedColor.cpp
+  view/KCKrlBinary.cpp
 )
