@@ -1,5 +1,7 @@
 #include "KCMainFrame.h"
 
+#include "view/KCClipboardController.h"
+
 #include "KCAppHost.h"
 #include "KCChildFrame.h"
 #include "doc/KCDataDoc.h"
@@ -195,6 +197,28 @@ void KCMainFrame::createActions()
         updateUndoActions();
     });
 
+    const auto editAction = [this](const QString &text, QKeySequence::StandardKey key, auto command) {
+        auto *a = new QAction(text, this);
+        a->setShortcut(key);
+        connect(a, &QAction::triggered, this, [this, command] {
+            KCDataView *view = currentView();
+            if (!m_doc || !view)
+                return;
+            KCClipboardController controller(view->model(), m_clipboard);
+            command(controller, *view);
+            view->viewport()->update();
+            updateMarkSum(view);
+        });
+        return a;
+    };
+    m_cutAction = editAction(tr("Cu&t"), QKeySequence::Cut,
+                             [](KCClipboardController &c, KCDataView &) { c.OnEditCut(); });
+    m_copyAction = editAction(tr("&Copy"), QKeySequence::Copy,
+                              [](KCClipboardController &c, KCDataView &) { c.OnEditCopy(); });
+    m_pasteAction = editAction(tr("&Paste"), QKeySequence::Paste, [](KCClipboardController &c, KCDataView &v) {
+        c.OnEditPaste(v.isInsertMode());
+    });
+
     m_swapAction = new QAction(tr("&Swap Bytes..."), this);
     m_swapAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_B));
     connect(m_swapAction, &QAction::triggered, this, [this] {
@@ -251,6 +275,12 @@ void KCMainFrame::createMenus()
     QMenu *edit = menuBar()->addMenu(tr("&Edit"));
     edit->addAction(m_undoAction);
     edit->addAction(m_redoAction);
+    edit->addSeparator();
+    edit->addAction(m_cutAction);
+    edit->addAction(m_copyAction);
+    edit->addAction(m_pasteAction);
+    // Paste is offered while the clipboard holds bytes in a format it takes.
+    connect(edit, &QMenu::aboutToShow, this, [this] { m_pasteAction->setEnabled(m_doc && !m_clipboard.isEmpty()); });
 
     QMenu *view = menuBar()->addMenu(tr("&View"));
     view->addActions(m_layoutGroup->actions());
@@ -522,6 +552,9 @@ void KCMainFrame::updateActions()
     m_saveAction->setEnabled(hasDoc);
     m_saveAsAction->setEnabled(hasDoc);
     m_closeAction->setEnabled(hasDoc);
+    m_cutAction->setEnabled(hasDoc);
+    m_copyAction->setEnabled(hasDoc);
+    m_pasteAction->setEnabled(hasDoc);
     updateUndoActions();
     m_swapAction->setEnabled(hasDoc);
     m_serialAction->setEnabled(hasDoc);

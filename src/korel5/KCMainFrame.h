@@ -1,5 +1,7 @@
 #pragma once
 
+#include "view/KCClipboardClass.h"
+
 #include "KCAppSettings.h"
 
 #include <QFont>
@@ -108,6 +110,10 @@ private:
     QAction *m_saveAction = nullptr;
     QAction *m_closeAction = nullptr;
     QAction *m_undoAction = nullptr;
+    QAction *m_cutAction = nullptr;
+    QAction *m_copyAction = nullptr;
+    QAction *m_pasteAction = nullptr;
+    KCClipboardClass m_clipboard;
     QAction *m_redoAction = nullptr;
     QAction *m_saveAsAction = nullptr;
     QAction *m_settingsAction = nullptr;

@@ -19,7 +19,7 @@ KCStatusBar::KCStatusBar(QWidget *parent) : QStatusBar(parent)
     m_caret = addPane("caretPane", tr("Address: %1").arg("00000000.0"));
     m_mode = addPane("modePane", tr("OVR"));
     m_modified = addPane("modifiedPane", tr("Modified"));
-    setInsertMode(false);
+    setInsertMode(true);
 }
 
 QLabel *KCStatusBar::addPane(const char *name, const QString &widest)
@@ -48,7 +48,7 @@ void KCStatusBar::setCaretAddress(const QString &text)
 void KCStatusBar::setInsertMode(bool insert)
 {
     m_mode->setText(insert ? tr("INS") : tr("OVR"));
-    m_mode->setToolTip(insert ? tr("Typing inserts") : tr("Typing overwrites"));
+    m_mode->setToolTip(insert ? tr("Paste inserts (Insert key switches)") : tr("Paste overwrites (Insert key switches)"));
 }
 
 void KCStatusBar::setMarkSum(const QString &text)

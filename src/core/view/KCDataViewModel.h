@@ -170,5 +170,7 @@ private:
     TAG_SCROLLBORDER m_border;
     ScrollSteps m_steps;
     bool m_focus = false;
-    bool m_insertMode = false;
+    // Typing always overwrites; the mode is the paste's. The Insert key's state starts at zero,
+    // which is insert mode; pressing it toggles to overwrite.
+    bool m_insertMode = true;
 };

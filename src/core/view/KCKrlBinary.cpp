@@ -1,4 +1,4 @@
-#include "KCKrlBinary.h"
+#include "view/KCKrlBinary.h"
 
 #include <algorithm>
 #include <cstring>

@@ -11,6 +11,9 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMimeData>
 #include <QTimer>
 #include <QFile>
 #include <QLineEdit>
@@ -211,4 +214,40 @@ TEST_F(ImageShapeApp, WindowCommandsWorkAsPeopleExpect)
     EXPECT_EQ(frame->document(), nullptr);
     EXPECT_TRUE(frame->windowTitle().isEmpty());
     EXPECT_TRUE(frame->newDocument());
+}
+
+// Copy puts the marked bytes on the system clipboard as "KrlBinary"; paste takes them back,
+// inserting at first and overwriting once the Insert key was pressed.
+TEST_F(ImageShapeApp, CopyAndPasteGoThroughTheSystemClipboard)
+{
+    QByteArray bytes;
+    for (int i = 0; i < 32; ++i)
+        bytes.append(char(i));
+    ASSERT_TRUE(frame->openFile(write("data.bin", bytes)));
+    KCDataView *view = frame->currentView();
+    ASSERT_TRUE(view->model().setMarkRange(1, 2));
+    frame->action(QKeySequence::Copy)->trigger();
+    const QMimeData *data = QGuiApplication::clipboard()->mimeData();
+    ASSERT_TRUE(data->hasFormat("KrlBinary"));
+    EXPECT_EQ(data->data("KrlBinary"), QByteArray("\x02\x00\x00\x00\x01\x02", 6));
+
+    view->model().dropMark();
+    view->model().setCaretAddress(8);
+    frame->action(QKeySequence::Paste)->trigger(); // insert: 8.. move up by two
+    KCDataDoc *doc = frame->document();
+    EXPECT_EQ(doc->GetData(8), 1);
+    EXPECT_EQ(doc->GetData(10), 8);
+    EXPECT_EQ(doc->GetData(31), 29);
+
+    view->setFocus();
+    QTest::keyClick(view, Qt::Key_Insert);
+    view->model().dropMark();
+    view->model().setCaretAddress(20);
+    auto *text = new QMimeData;
+    text->setText("AB");
+    QGuiApplication::clipboard()->setMimeData(text);
+    frame->action(QKeySequence::Paste)->trigger(); // overwrite
+    EXPECT_EQ(doc->GetData(20), 'A');
+    EXPECT_EQ(doc->GetData(22), 20);
+    EXPECT_EQ(frame->statusPanes()->markSumText().toStdString(), "Marked 0x00000014-0x00000015: sum 0x00000083");
 }

@@ -130,8 +130,8 @@ TEST_F(DataViewWidget, TypingChangesBytesModifiedFlagAndChecksumPane)
     QTest::keyClick(view.get(), Qt::Key_Insert);
     QTest::keyClick(view.get(), Qt::Key_Insert, Qt::ShiftModifier);
     ASSERT_EQ(modes.size(), 1);
-    EXPECT_TRUE(modes.first().at(0).toBool());
-    EXPECT_TRUE(view->isInsertMode());
+    EXPECT_FALSE(modes.first().at(0).toBool()); // insert at first, overwrite after one press
+    EXPECT_FALSE(view->isInsertMode());
 }
 
 TEST_F(DataViewWidget, WordAndFuseLayoutsEditTheirBytesAndPickTheChecksum)
