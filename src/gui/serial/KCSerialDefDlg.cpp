@@ -186,11 +186,14 @@ void KCSerialDefDlg::SetNewTMPFilename(const std::string &path)
 
 void KCSerialDefDlg::UpdatePreviewFrame()
 {
-    const std::string text = m_settings.previewText();
-    m_preview->setText(text.empty() ? tr("(none)") : QString::fromLatin1(text.data(), int(text.size())));
+    const std::string preview = m_settings.previewText();
+    m_preview->setText(preview.empty() ? tr("(none)") : QString::fromLatin1(preview.data(), int(preview.size())));
     // A setting that would cut the number, or put it outside the buffer, shows before Apply.
     const std::string conflict = m_settings.conflict();
-    m_conflict->setText(QString::fromStdString(conflict));
+    QString text = QString::fromStdString(conflict);
+    if (!text.isEmpty())
+        text[0] = text[0].toUpper();
+    m_conflict->setText(text);
     m_conflict->setVisible(!conflict.empty());
 }
 
