@@ -1,5 +1,7 @@
 #include "KCSettingsDialog.h"
 
+#include "host/KCNumberText.h"
+
 #include "KCAppSettings.h"
 
 #include <QDialogButtonBox>
@@ -18,12 +20,8 @@ constexpr int HexBase = 16;
 
 bool parseSize(const QString &text, uint64_t &size)
 {
-    QString t = text.trimmed();
-    if (t.startsWith("0x", Qt::CaseInsensitive))
-        t = t.mid(2);
-    bool ok = false;
-    size = t.toULongLong(&ok, HexBase);
-    return ok && size > 0 && size <= KCAppSettings::MaxBufferSize;
+    // The field shows hexadecimal: digits without "0x" are hexadecimal too.
+    return KCNumberText::parse(text.toStdString(), size, KCAppSettings::MaxBufferSize, HexBase) && size > 0;
 }
 
 } // namespace

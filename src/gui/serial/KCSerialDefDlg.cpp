@@ -1,6 +1,7 @@
 #include "KCSerialDefDlg.h"
 
 #include "doc/KCDataDoc.h"
+#include "host/KCNumberText.h"
 #include "serial/KCSerialDefCtrl.h"
 
 #include <QButtonGroup>
@@ -23,12 +24,9 @@ constexpr int MaxSerialBytes = int(KCSerialDefCtrl::MaxElementLength);
 
 bool parseHex(const QString &text, unsigned &value)
 {
-    bool ok = false;
-    QString t = text.trimmed();
-    if (t.startsWith("0x", Qt::CaseInsensitive))
-        t = t.mid(2);
-    const qulonglong v = t.toULongLong(&ok, 16);
-    if (!ok || v > 0xFFFFFFFFull)
+    // The field shows hexadecimal: digits without "0x" are hexadecimal too.
+    uint64_t v = 0;
+    if (!KCNumberText::parse(text.toStdString(), v, 0xFFFFFFFFull, 16))
         return false;
     value = static_cast<unsigned>(v);
     return true;
