@@ -526,6 +526,12 @@ bool KCDataViewModel::OnKeyDown(Key key, unsigned modifiers)
         extendMark(key);
         return true;
     }
+    const bool control = modifiers & ControlModifier;
+    if (key == KeyHome || key == KeyEnd || (control && (key == KeyUp || key == KeyDown))) {
+        dropMark();
+        jump(key, control);
+        return true;
+    }
     dropMark();
     const uint64_t limit = bufferLimit();
     const TAG_VIEW_POSITION &c = l->caret();
@@ -541,6 +547,42 @@ bool KCDataViewModel::OnKeyDown(Key key, unsigned modifiers)
     default: return false;
     }
     return true;
+}
+
+bool KCDataViewModel::jump(Key key, bool control)
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    const uint64_t limit = bufferLimit();
+    if (!l || limit == 0 || !m_doc)
+        return false;
+    const TAG_VIEW_POSITION c = l->caret();
+    const int64_t at = c.address;
+    int64_t to = at;
+    if (key == KeyHome || key == KeyEnd) {
+        const TAG_VIEW_BUFFER_LAYOUT_ITEM &blk = l->blocks(LAYOUT_BODY)[size_t(c.block)];
+        const int64_t rowStart = blk.bytesPerRow ? at - (at - blk.firstAddress) % blk.bytesPerRow : at;
+        if (control)
+            to = key == KeyHome ? 0 : int64_t(limit) - 1;
+        else
+            to = key == KeyHome ? rowStart : std::min<int64_t>(rowStart + blk.bytesPerRow - 1, int64_t(limit) - 1);
+    } else {
+        // The next or previous block of data: the start of a range of the image's data map.
+        const std::vector<KCAddressRange> ranges = m_doc->dataMap().ranges();
+        if (key == KeyDown) {
+            for (const KCAddressRange &r : ranges)
+                if (int64_t(r.first) > at) {
+                    to = int64_t(r.first);
+                    break;
+                }
+        } else {
+            for (auto r = ranges.rbegin(); r != ranges.rend(); ++r)
+                if (int64_t(r->first) < at) {
+                    to = int64_t(r->first);
+                    break;
+                }
+        }
+    }
+    return to != at && setCaretAddress(to);
 }
 
 bool KCDataViewModel::OnChar(unsigned ch)

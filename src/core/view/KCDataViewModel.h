@@ -21,7 +21,11 @@ class KCDataViewListener;
 class KCDataViewModel : public KCDocView
 {
 public:
-    enum Key { KeyLeft, KeyRight, KeyUp, KeyDown, KeyPageUp, KeyPageDown, KeyBackspace, KeyTab, KeyInsert };
+    enum Key {
+        KeyLeft, KeyRight, KeyUp, KeyDown, KeyPageUp, KeyPageDown, KeyBackspace, KeyTab, KeyInsert,
+        // Row start and end; with Control the buffer's start and end.
+        KeyHome, KeyEnd,
+    };
     enum Modifier : unsigned { NoModifier = 0, ShiftModifier = 1, ControlModifier = 2 };
     enum ScrollMode : int { SCROLLMODE_STATIC = 1, SCROLLMODE_KEEP = 2, SCROLLMODE_DYNAMIC = 3 };
 
@@ -146,6 +150,8 @@ private:
     void moveCaret(const TAG_VIEW_POSITION &to);
     bool tabSearch(bool forward);
     void extendMark(Key key);
+    // Home/End and Control with Home, End, Up and Down: jumps by row, buffer and data block.
+    bool jump(Key key, bool control);
     void ensureCaretVisible();
     void setFirstLine(int64_t line);
     void setFirstColumn(int column);

@@ -323,6 +323,8 @@ void KCDataView::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Down: key = KCDataViewModel::KeyDown; break;
     case Qt::Key_PageUp: key = KCDataViewModel::KeyPageUp; break;
     case Qt::Key_PageDown: key = KCDataViewModel::KeyPageDown; break;
+    case Qt::Key_Home: key = KCDataViewModel::KeyHome; break;
+    case Qt::Key_End: key = KCDataViewModel::KeyEnd; break;
     case Qt::Key_Backspace: key = KCDataViewModel::KeyBackspace; break;
     case Qt::Key_Tab: key = KCDataViewModel::KeyTab; break;
     case Qt::Key_Backtab:

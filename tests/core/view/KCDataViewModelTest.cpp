@@ -374,6 +374,22 @@ TEST_F(DataView, GapsBetweenDataShowAsGapsUntilWritten)
     EXPECT_EQ(row.state[10], VCS_GAP);
     EXPECT_EQ(row.state[22], VCS_DATA);   // byte 0x14
 
+    // Control with Down and Up jumps between the blocks of data; Home and End by row and
+    // with Control to the buffer's ends.
+    view->setCaretAddress(1);
+    keys(KCDataViewModel::KeyDown, 1, KCDataViewModel::ControlModifier);
+    EXPECT_EQ(caretAddress(), 0x14);
+    keys(KCDataViewModel::KeyUp, 1, KCDataViewModel::ControlModifier);
+    EXPECT_EQ(caretAddress(), 0);
+    keys(KCDataViewModel::KeyEnd, 1);
+    EXPECT_EQ(caretAddress(), 0x0F);
+    keys(KCDataViewModel::KeyEnd, 1, KCDataViewModel::ControlModifier);
+    EXPECT_EQ(caretAddress(), 0x17);
+    keys(KCDataViewModel::KeyHome, 1);
+    EXPECT_EQ(caretAddress(), 0x10);
+    keys(KCDataViewModel::KeyHome, 1, KCDataViewModel::ControlModifier);
+    EXPECT_EQ(caretAddress(), 0);
+
     view->setCaretAddress(4);
     type("ab");
     view->renderScreenLine(ByteTopLines, row);
