@@ -1,5 +1,6 @@
 #include "KCMainFrame.h"
 
+#include "host/KCNumberText.h"
 #include "view/KCClipboardController.h"
 
 #include "KCAppHost.h"
@@ -16,6 +17,9 @@
 #include "KCWorkspaceTree.h"
 
 #include <QAction>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QInputDialog>
 #include <QActionGroup>
 #include <QApplication>
 #include <QCloseEvent>
@@ -219,6 +223,10 @@ void KCMainFrame::createActions()
         c.OnEditPaste(v.isInsertMode());
     });
 
+    m_goToAction = new QAction(tr("&Go To Address..."), this);
+    m_goToAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_G));
+    connect(m_goToAction, &QAction::triggered, this, &KCMainFrame::goToAddress);
+
     m_swapAction = new QAction(tr("&Swap Bytes..."), this);
     m_swapAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_B));
     connect(m_swapAction, &QAction::triggered, this, [this] {
@@ -279,6 +287,8 @@ void KCMainFrame::createMenus()
     edit->addAction(m_cutAction);
     edit->addAction(m_copyAction);
     edit->addAction(m_pasteAction);
+    edit->addSeparator();
+    edit->addAction(m_goToAction);
     // Paste is offered while the clipboard holds bytes in a format it takes.
     connect(edit, &QMenu::aboutToShow, this, [this] { m_pasteAction->setEnabled(m_doc && !m_clipboard.isEmpty()); });
 
@@ -519,6 +529,27 @@ void KCMainFrame::updateTitle()
     setWindowModified(m_doc && m_doc->IsModified() != 0);
 }
 
+void KCMainFrame::goToAddress()
+{
+    KCDataView *view = currentView();
+    if (!m_doc || !view)
+        return;
+    // In the units of the layout the view shows, as its address column and the status bar do.
+    bool ok = false;
+    const QString text = QInputDialog::getText(this, tr("Go To Address"),
+                                               tr("Address (hexadecimal, as the view shows it):"), QLineEdit::Normal,
+                                               view->caretAddressText(), &ok);
+    if (!ok)
+        return;
+    uint64_t address = 0;
+    if (!KCNumberText::parse(text.toStdString(), address, UINT32_MAX, 16) || !view->model().goToDisplayAddress(address)) {
+        QMessageBox::warning(this, tr("Go To Address"),
+                             tr("%1 is no address of this buffer.").arg(text.trimmed()));
+        return;
+    }
+    view->setFocus();
+}
+
 void KCMainFrame::updateUndoActions()
 {
     KCUndoHistory *history = m_doc ? &m_doc->undoHistory() : nullptr;
@@ -555,6 +586,7 @@ void KCMainFrame::updateActions()
     m_cutAction->setEnabled(hasDoc);
     m_copyAction->setEnabled(hasDoc);
     m_pasteAction->setEnabled(hasDoc);
+    m_goToAction->setEnabled(hasDoc);
     updateUndoActions();
     m_swapAction->setEnabled(hasDoc);
     m_serialAction->setEnabled(hasDoc);

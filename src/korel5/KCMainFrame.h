@@ -84,6 +84,7 @@ private:
     void updateActions();
     void updateMarkSum(KCDataView *view);
     void updateUndoActions();
+    void goToAddress();
     void takeNextSerialNumber();
     void updateRecentMenu();
     void saveRecentFiles();
@@ -111,6 +112,7 @@ private:
     QAction *m_closeAction = nullptr;
     QAction *m_undoAction = nullptr;
     QAction *m_cutAction = nullptr;
+    QAction *m_goToAction = nullptr;
     QAction *m_copyAction = nullptr;
     QAction *m_pasteAction = nullptr;
     KCClipboardClass m_clipboard;

@@ -1,6 +1,7 @@
 #include "view/KCDataViewModel.h"
 
 #include "doc/KCDataDoc.h"
+#include "doc/KCLayoutNames.h"
 #include "view/KCDataViewListener.h"
 
 #include <algorithm>
@@ -547,6 +548,33 @@ bool KCDataViewModel::OnKeyDown(Key key, unsigned modifiers)
     default: return false;
     }
     return true;
+}
+
+bool KCDataViewModel::goToDisplayAddress(uint64_t displayAddress)
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    if (!l)
+        return false;
+    int64_t address = int64_t(displayAddress);
+    if (l->name() == LAYOUT_WORDVIEW) {
+        address = int64_t(displayAddress) * 2;
+    } else {
+        // Undo what the address column does: its scale and its display offset.
+        for (const TAG_VIEW_BUFFER_LAYOUT_ITEM &blk : l->blocks(LAYOUT_BODY)) {
+            const auto cell = std::find_if(blk.cells.begin(), blk.cells.end(), [](const TAG_X_LAYOUT &c) {
+                return c.kind == XL_ADDRESS_HEX || c.kind == XL_ADDRESS_DEC;
+            });
+            if (cell == blk.cells.end())
+                continue;
+            const int64_t shifted = int64_t(displayAddress) - cell->displayOffset;
+            address = cell->scale == 1.0f ? shifted : int64_t(double(shifted) / double(cell->scale));
+            break;
+        }
+    }
+    if (address < 0 || uint64_t(address) >= bufferLimit())
+        return false;
+    dropMark();
+    return setCaretAddress(address);
 }
 
 bool KCDataViewModel::jump(Key key, bool control)

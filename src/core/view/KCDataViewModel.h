@@ -134,6 +134,10 @@ public:
     TAG_VIEW_POSITION caret() const;
     // Moves the caret to the first cell showing `address` and brings it into view.
     bool setCaretAddress(int64_t address);
+    // Go To: an address in the units the current layout shows (words in the word view, the
+    // device's display addresses with their offset) to the caret; false, nothing moved, when
+    // it is no address of the buffer.
+    bool goToDisplayAddress(uint64_t displayAddress);
     bool markRange(int64_t &low, int64_t &high) const;
     // Marks low..high and puts the caret at high (e.g. after a paste).
     bool setMarkRange(int64_t low, int64_t high);

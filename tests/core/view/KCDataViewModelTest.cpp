@@ -390,6 +390,16 @@ TEST_F(DataView, GapsBetweenDataShowAsGapsUntilWritten)
     keys(KCDataViewModel::KeyHome, 1, KCDataViewModel::ControlModifier);
     EXPECT_EQ(caretAddress(), 0);
 
+    // Go To counts in the layout's units and refuses what is no address of the buffer.
+    EXPECT_TRUE(view->goToDisplayAddress(0x15));
+    EXPECT_EQ(caretAddress(), 0x15);
+    EXPECT_FALSE(view->goToDisplayAddress(0x18));
+    EXPECT_EQ(caretAddress(), 0x15);
+    ASSERT_EQ(view->SetBufferLayoutView(LAYOUT_WORDVIEW), 1);
+    EXPECT_TRUE(view->goToDisplayAddress(0x0A)); // word 10 is byte 20
+    EXPECT_EQ(caretAddress() / 2, 0x0A);
+    ASSERT_EQ(view->SetBufferLayoutView(LAYOUT_BYTEVIEW), 1);
+
     view->setCaretAddress(4);
     type("ab");
     view->renderScreenLine(ByteTopLines, row);
