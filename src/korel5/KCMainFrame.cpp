@@ -2,6 +2,7 @@
 
 #include "host/KCNumberText.h"
 #include "view/KCClipboardController.h"
+#include "view/KCCopyAs.h"
 
 #include "KCAppHost.h"
 #include "KCChildFrame.h"
@@ -223,6 +224,37 @@ void KCMainFrame::createActions()
         c.OnEditPaste(v.isInsertMode());
     });
 
+    m_selectAllAction = new QAction(tr("Select &All"), this);
+    m_selectAllAction->setShortcut(QKeySequence::SelectAll);
+    connect(m_selectAllAction, &QAction::triggered, this, [this] {
+        KCDataView *view = currentView();
+        if (view && m_doc && m_doc->GetBufferSize()) {
+            view->model().setMarkRange(0, int64_t(m_doc->GetBufferSize()) - 1);
+            view->viewport()->update();
+            updateMarkSum(view);
+        }
+    });
+    // Copy As: the marked bytes as text other programs take.
+    const auto copyAs = [this](const QString &text, std::string (*format)(const uint8_t *, uint64_t, uint64_t)) {
+        auto *a = new QAction(text, this);
+        connect(a, &QAction::triggered, this, [this, format] {
+            KCDataView *view = currentView();
+            int64_t low = 0, high = 0;
+            if (!m_doc || !view || !view->model().markRange(low, high) || low < 0
+                || uint64_t(high) >= m_doc->GetBufferSize())
+                return;
+            const std::string out = format(m_doc->AlgoParam().buffer(0).data() + low, uint64_t(high - low) + 1,
+                                           uint64_t(low));
+            m_clipboard.put(reinterpret_cast<const uint8_t *>(out.data()), out.size(), 1);
+        });
+        return a;
+    };
+    m_copyAsActions = {
+        copyAs(tr("&Hex Text"), [](const uint8_t *b, uint64_t n, uint64_t) { return KCCopyAs::hexText(b, n); }),
+        copyAs(tr("&C Array"), KCCopyAs::cArray),
+        copyAs(tr("&Intel HEX Records"), KCCopyAs::intelHex),
+    };
+
     m_goToAction = new QAction(tr("&Go To Address..."), this);
     m_goToAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_G));
     connect(m_goToAction, &QAction::triggered, this, &KCMainFrame::goToAddress);
@@ -287,6 +319,9 @@ void KCMainFrame::createMenus()
     edit->addAction(m_cutAction);
     edit->addAction(m_copyAction);
     edit->addAction(m_pasteAction);
+    QMenu *copyAs = edit->addMenu(tr("Copy &As"));
+    copyAs->addActions(m_copyAsActions);
+    edit->addAction(m_selectAllAction);
     edit->addSeparator();
     edit->addAction(m_goToAction);
     // Paste is offered while the clipboard holds bytes in a format it takes.
@@ -414,6 +449,10 @@ KCDataView *KCMainFrame::newWindow()
             m_status->setInsertMode(insert);
     });
     connect(view, &QObject::destroyed, this, &KCMainFrame::viewDestroyed);
+    // The view's context menu: the Edit commands.
+    view->setContextMenuPolicy(Qt::ActionsContextMenu);
+    view->addActions({m_undoAction, m_redoAction, m_cutAction, m_copyAction, m_pasteAction, m_selectAllAction,
+                      m_goToAction});
     view->OnInitialUpdate();
     child->show();
     view->setFocus();
@@ -587,6 +626,7 @@ void KCMainFrame::updateActions()
     m_copyAction->setEnabled(hasDoc);
     m_pasteAction->setEnabled(hasDoc);
     m_goToAction->setEnabled(hasDoc);
+    m_selectAllAction->setEnabled(hasDoc);
     updateUndoActions();
     m_swapAction->setEnabled(hasDoc);
     m_serialAction->setEnabled(hasDoc);

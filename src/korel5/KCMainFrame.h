@@ -113,6 +113,8 @@ private:
     QAction *m_undoAction = nullptr;
     QAction *m_cutAction = nullptr;
     QAction *m_goToAction = nullptr;
+    QAction *m_selectAllAction = nullptr;
+    QList<QAction *> m_copyAsActions;
     QAction *m_copyAction = nullptr;
     QAction *m_pasteAction = nullptr;
     KCClipboardClass m_clipboard;

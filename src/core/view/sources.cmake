@@ -2,6 +2,7 @@ list(APPEND KRLDV_CORE_SOURCES
   view/KCDataViewLayout.cpp
   view/KCDataViewLayoutSet.cpp
   view/KCClipboardController.cpp
+  view/KCCopyAs.cpp
   view/KCDataViewModel.cpp
   view/KCIndexedColor.cpp
   view/KCKrlBinary.cpp

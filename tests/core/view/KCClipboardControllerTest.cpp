@@ -1,6 +1,7 @@
 #include "doc/KCDataDoc.h"
 #include "view/KCClipboardController.h"
 #include "view/KCClipboardPort.h"
+#include "view/KCCopyAs.h"
 #include "view/KCDataViewModel.h"
 #include "view/KCKrlBinary.h"
 #include "KCTestHost.h"
@@ -116,4 +117,12 @@ TEST_F(Clipboard, PasteInsertsOrOverwritesAndIsCutAtTheBlocksEnd)
     EXPECT_EQ(doc->GetData(13), 0x77);
     EXPECT_EQ(doc->GetData(15), 0x77);
     EXPECT_EQ(doc->mainBufferParam()->checksum, doc->ComputeCheckSum(-1));
+}
+
+TEST(KCCopyAs, WritesHexTextCArraysAndIntelRecords)
+{
+    const uint8_t bytes[] = {0xA5, 0x5A, 0x00};
+    EXPECT_EQ(KCCopyAs::hexText(bytes, 3), "A5 5A 00\n");
+    EXPECT_EQ(KCCopyAs::cArray(bytes, 3, 0x100), "/* 0x00000100 */\nconst unsigned char data[3] = {\n    0xA5, 0x5A, 0x00\n};\n");
+    EXPECT_EQ(KCCopyAs::intelHex(bytes, 3, 0x100), ":03010000A55A00FD\n:00000001FF\n");
 }

@@ -250,4 +250,15 @@ TEST_F(ImageShapeApp, CopyAndPasteGoThroughTheSystemClipboard)
     EXPECT_EQ(doc->GetData(20), 'A');
     EXPECT_EQ(doc->GetData(22), 20);
     EXPECT_EQ(frame->statusPanes()->markSumText().toStdString(), "Marked 0x00000014-0x00000015: sum 0x00000083");
+
+    // Copy As puts the marked bytes as text for other programs.
+    view->model().setMarkRange(20, 21);
+    for (QAction *a : frame->findChildren<QAction *>())
+        if (a->text() == "&Hex Text") {
+            a->trigger();
+            break;
+        }
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), "41 42\n");
+    frame->action(QKeySequence::SelectAll)->trigger();
+    EXPECT_TRUE(frame->statusPanes()->markSumText().startsWith("Marked 0x00000000-0x0000001F"));
 }
