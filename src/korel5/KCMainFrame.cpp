@@ -1,5 +1,6 @@
 #include "KCMainFrame.h"
 
+#include "bufops/KCBufferFill.h"
 #include "host/KCNumberText.h"
 #include "view/KCClipboardController.h"
 #include "view/KCCopyAs.h"
@@ -255,6 +256,16 @@ void KCMainFrame::createActions()
         copyAs(tr("&Intel HEX Records"), KCCopyAs::intelHex),
     };
 
+    m_fillAction = new QAction(tr("&Fill..."), this);
+    connect(m_fillAction, &QAction::triggered, this, [this] {
+        if (!m_doc)
+            return;
+        KCBufferFill dialog(m_doc.get(), this);
+        dialog.exec();
+        if (KCDataView *view = currentView())
+            view->viewport()->update();
+    });
+
     m_goToAction = new QAction(tr("&Go To Address..."), this);
     m_goToAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_G));
     connect(m_goToAction, &QAction::triggered, this, &KCMainFrame::goToAddress);
@@ -323,6 +334,7 @@ void KCMainFrame::createMenus()
     copyAs->addActions(m_copyAsActions);
     edit->addAction(m_selectAllAction);
     edit->addSeparator();
+    edit->addAction(m_fillAction);
     edit->addAction(m_goToAction);
     // Paste is offered while the clipboard holds bytes in a format it takes.
     connect(edit, &QMenu::aboutToShow, this, [this] { m_pasteAction->setEnabled(m_doc && !m_clipboard.isEmpty()); });
@@ -452,7 +464,7 @@ KCDataView *KCMainFrame::newWindow()
     // The view's context menu: the Edit commands.
     view->setContextMenuPolicy(Qt::ActionsContextMenu);
     view->addActions({m_undoAction, m_redoAction, m_cutAction, m_copyAction, m_pasteAction, m_selectAllAction,
-                      m_goToAction});
+                      m_fillAction, m_goToAction});
     view->OnInitialUpdate();
     child->show();
     view->setFocus();
@@ -627,6 +639,7 @@ void KCMainFrame::updateActions()
     m_pasteAction->setEnabled(hasDoc);
     m_goToAction->setEnabled(hasDoc);
     m_selectAllAction->setEnabled(hasDoc);
+    m_fillAction->setEnabled(hasDoc);
     updateUndoActions();
     m_swapAction->setEnabled(hasDoc);
     m_serialAction->setEnabled(hasDoc);

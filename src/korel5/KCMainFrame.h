@@ -114,6 +114,7 @@ private:
     QAction *m_cutAction = nullptr;
     QAction *m_goToAction = nullptr;
     QAction *m_selectAllAction = nullptr;
+    QAction *m_fillAction = nullptr;
     QList<QAction *> m_copyAsActions;
     QAction *m_copyAction = nullptr;
     QAction *m_pasteAction = nullptr;

@@ -10,6 +10,8 @@ constexpr unsigned OneBufferDocumentOnly = 337; // no arguments
 constexpr unsigned ChecksumInvalid = 341;       // no arguments
 constexpr unsigned ChecksumFuse = 342;          // start, end, checksum bytes 1, 0
 constexpr unsigned SwapBytesPrompt = 2152;      // no arguments
+constexpr unsigned FillErrorCaption = 2730;     // no arguments; also the fill dialog's title
+constexpr unsigned FillStartAfterEnd = 2731;    // no arguments
 constexpr unsigned SaveProjectHint = 2208;      // project extension
 constexpr unsigned ReadingFile = 2164;          // no arguments
 constexpr unsigned ReadFailed = 2443;           // no arguments
@@ -54,6 +56,8 @@ constexpr Entry All[] = {
     {ChecksumInvalid, 0},
     {ChecksumFuse, 4},
     {SwapBytesPrompt, 0},
+    {FillErrorCaption, 0},
+    {FillStartAfterEnd, 0},
     {SaveProjectHint, 1},
     {ReadingFile, 0},
     {ReadFailed, 0},
