@@ -15,6 +15,8 @@
 
 namespace {
 
+// Bytes an undo step swaps at a time.
+constexpr uint64_t SwapBlock = 16 * 1024;
 // Most buffers the document keeps for a device.
 constexpr int MaxDeviceBuffers = 255;
 const char *const BufferLayoutFuseMap = "JEDVIEW";
@@ -254,7 +256,14 @@ void KCDataDoc::applyStep(KCUndoHistory::Step &step, bool undo)
             continue;
         const uint64_t last = c.address + count - 1;
         updateChecksumForWrite(c.address, last, c.bytes.data(), 0);
-        std::swap_ranges(c.bytes.begin(), c.bytes.end(), data + c.address);
+        // Swapped in blocks through a small buffer: three copies at memory speed.
+        uint8_t block[SwapBlock];
+        for (uint64_t done = 0; done < count; done += SwapBlock) {
+            const size_t n = size_t(std::min<uint64_t>(SwapBlock, count - done));
+            std::memcpy(block, data + c.address + done, n);
+            std::memcpy(data + c.address + done, c.bytes.data() + done, n);
+            std::memcpy(c.bytes.data() + done, block, n);
+        }
         m_changedMap.add(c.address, last);
     }
     std::swap(step.map, m_dataMap);
