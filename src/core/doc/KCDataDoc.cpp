@@ -203,7 +203,22 @@ void KCDataDoc::updateChecksumForWrite(uint64_t first, uint64_t last, const uint
         return;
     }
     const uint32_t added = newBytes ? cBufferSum::byteSum(newBytes + (a - first), n) : uint32_t(fill * n);
-    param->checksum += added - rangeSum(CHECKSUM_KIND_BYTESUM, a, b);
+    // The old bytes' sum is the kept total less the bytes that stay: for a write over most of
+    // the range that reads far less (nothing at all for the whole range, so a fill of the whole
+    // buffer runs at memset speed).
+    const uint64_t rangeFirst = param->checksumStart, rangeLast = param->checksumEnd;
+    uint32_t oldSum;
+    if (n > (rangeLast - rangeFirst + 1) / 2 && rangeLast < GetBufferSize()) {
+        uint32_t rest = 0;
+        if (a > rangeFirst)
+            rest += rangeSum(CHECKSUM_KIND_BYTESUM, rangeFirst, a - 1);
+        if (b < rangeLast)
+            rest += rangeSum(CHECKSUM_KIND_BYTESUM, b + 1, rangeLast);
+        oldSum = param->checksum - rest;
+    } else {
+        oldSum = rangeSum(CHECKSUM_KIND_BYTESUM, a, b);
+    }
+    param->checksum += added - oldSum;
 }
 
 bool KCDataDoc::confirmChangeSize(uint64_t bytes)

@@ -38,7 +38,8 @@ TEST(KCUndo, UndoAndRedoWalkBackAndForthThroughEveryKindOfChange)
     states[0] = stateOf(doc);
     for (int step = 0; step < 60; ++step) {
         const uint32_t a = rng() % 500, n = 1 + rng() % 12;
-        switch (rng() % 4) {
+        switch (rng() % 5) {
+        case 4: doc.FillRange(a / 8, 511 - a / 8, uint8_t(rng())); break; // most of the buffer
         case 0: doc.SetData(uint8_t(rng()), a); break;
         case 1: doc.SetDataWord(uint16_t(rng()), a / 2); break;
         case 2: {
