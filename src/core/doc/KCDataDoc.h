@@ -154,7 +154,13 @@ public:
     // when the user agrees that it cannot be undone.
     KCUndoHistory &undoHistory() { return m_undo; }
     void beginAction(const std::string &name) { m_undo.open(name, m_dataMap); }
-    void endAction() { m_undo.close(); }
+    // Closing the outermost action tells the views: the step can be undone from now on.
+    void endAction()
+    {
+        m_undo.close();
+        if (!m_undo.isOpen())
+            UpdateAllViews(nullptr, DOCHINT_DATA);
+    }
     bool Undo();
     bool Redo();
     // Asks the user before a change of `bytes` bytes that the history cannot hold; true when

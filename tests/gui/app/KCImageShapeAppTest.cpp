@@ -262,3 +262,33 @@ TEST_F(ImageShapeApp, CopyAndPasteGoThroughTheSystemClipboard)
     frame->action(QKeySequence::SelectAll)->trigger();
     EXPECT_TRUE(frame->statusPanes()->markSumText().startsWith("Marked 0x00000000-0x0000001F"));
 }
+
+// The Edit commands by their keys, with the focus in the data view.
+TEST_F(ImageShapeApp, EditCommandsByTheirKeys)
+{
+    QByteArray bytes;
+    for (int i = 0; i < 32; ++i)
+        bytes.append(char(i));
+    ASSERT_TRUE(frame->openFile(write("keys.bin", bytes)));
+    KCDataDoc *doc = frame->document();
+    KCDataView *view = frame->currentView();
+    QApplication::setActiveWindow(frame.get());
+    view->setFocus();
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(view, Qt::Key_Right, Qt::ShiftModifier); // marks 0..3
+    QTest::keyClick(view, Qt::Key_X, Qt::ControlModifier);      // cut: 4.. move down
+    EXPECT_EQ(doc->GetData(0), 4);
+    EXPECT_EQ(doc->GetData(28), 0xFF);
+    QTest::keyClick(view, Qt::Key_V, Qt::ControlModifier); // paste inserts them back
+    EXPECT_EQ(doc->GetData(0), 0);
+    EXPECT_EQ(doc->GetData(4), 4);
+    QTest::keyClick(view, Qt::Key_Z, Qt::ControlModifier);
+    QTest::keyClick(view, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(doc->GetData(0), 0);
+    EXPECT_EQ(doc->GetData(31), 31);
+    EXPECT_FALSE(doc->IsModified());
+    QTest::keyClick(view, Qt::Key_Y, Qt::ControlModifier);
+    EXPECT_EQ(doc->GetData(0), 4);
+    QTest::keyClick(view, Qt::Key_End, Qt::ControlModifier);
+    EXPECT_EQ(view->model().caret().address, 31);
+}
