@@ -3,7 +3,7 @@
 // and a plain byte-sum loop as the compiler builds it at this optimisation level.
 #include "doc/KCDataDoc.h"
 #include "doc/KCHeadlessDataView.h"
-#include "host/KCMainProgDataExChange.h"
+#include "KCBenchHost.h"
 #include "doc/cBufferSum.h"
 
 #include <benchmark/benchmark.h>
@@ -15,25 +15,11 @@ namespace {
 
 constexpr uint64_t BufferSize = 256ull << 20;
 
-class BenchHost : public KCMainProgDataExChange
-{
-public:
-    void ShowMessage(const std::string &, uint32_t, uint32_t, int) override {}
-    std::string GetHostString(unsigned) const override { return "%08X %08X %02X%02X%02X%02X"; }
-    void SetStatusBarText(unsigned, const std::string &) override {}
-    int MessageBox(const std::string &, unsigned) override { return KCPrompt::IDOK; }
-    int GetOpenDataDocumentCount() const override { return 1; }
-    std::string GetNoDeviceName() const override { return "none"; }
-    uint64_t GetDefaultBufferSize() const override { return BufferSize; }
-    uint8_t GetFillByte() const override { return 0xFF; }
-    std::string GetLastDirectory() const override { return {}; }
-    void SetLastDirectory(const std::string &) override {}
-};
 
 
 KCDataDoc &document()
 {
-    static BenchHost host;
+    static KCBenchHost host(BufferSize, 0xFF);
     static KCDataDoc *doc = [] {
         g_pMainProgDataExChange = &host;
         auto *d = new KCDataDoc;

@@ -1,7 +1,7 @@
 // The document's edits at memory speed: a fill of 1 GiB beside memset over the same memory,
 // the undo of a 256 MiB fill (its bytes swapped back), and a 16 MiB paste beside memcpy.
 #include "doc/KCDataDoc.h"
-#include "host/KCMainProgDataExChange.h"
+#include "KCBenchHost.h"
 
 #include <benchmark/benchmark.h>
 
@@ -14,24 +14,10 @@ constexpr uint64_t FillSize = 1ull << 30;
 constexpr uint64_t UndoSize = 256ull << 20;
 constexpr uint64_t PasteSize = 16ull << 20;
 
-class BenchHost : public KCMainProgDataExChange
-{
-public:
-    void ShowMessage(const std::string &, uint32_t, uint32_t, int) override {}
-    std::string GetHostString(unsigned) const override { return "%08X %08X %02X%02X%02X%02X"; }
-    void SetStatusBarText(unsigned, const std::string &) override {}
-    int MessageBox(const std::string &, unsigned) override { return KCPrompt::IDOK; }
-    int GetOpenDataDocumentCount() const override { return 1; }
-    std::string GetNoDeviceName() const override { return "none"; }
-    uint64_t GetDefaultBufferSize() const override { return FillSize; }
-    uint8_t GetFillByte() const override { return 0xFF; }
-    std::string GetLastDirectory() const override { return {}; }
-    void SetLastDirectory(const std::string &) override {}
-};
 
 KCDataDoc &document()
 {
-    static BenchHost host;
+    static KCBenchHost host(FillSize, 0xFF);
     static KCDataDoc *doc = [] {
         g_pMainProgDataExChange = &host;
         auto *d = new KCDataDoc;
