@@ -2,6 +2,7 @@
 #include "KCAppHost.h"
 #include "doc/KCDataDoc.h"
 #include "KCDataView.h"
+#include "KCDataViewRenderer.h"
 #include "KCFileDialog.h"
 #include "KCLoadSaveCombo.h"
 #include "KCMainFrame.h"
@@ -292,6 +293,32 @@ TEST_F(ImageShapeApp, EditCommandsByTheirKeys)
     EXPECT_EQ(doc->GetData(0), 4);
     QTest::keyClick(view, Qt::Key_End, Qt::ControlModifier);
     EXPECT_EQ(view->model().caret().address, 31);
+
+    // Drag over bytes 2..5 of the second row with the mouse, copy, then paste over the first
+    // row's start after Insert switched pasting to overwrite: nothing moves.
+    const int cw = view->renderer().charWidth();
+    const int pitch = view->renderer().linePitch();
+    const auto cell = [&](int byte, int row) {
+        const int column = 10 + 3 * byte; // the byte layout's hex columns
+        return QPoint(column * cw + cw / 2, (view->model().topLineCount() + row) * pitch + pitch / 2);
+    };
+    QTest::mousePress(view->viewport(), Qt::LeftButton, {}, cell(2, 1));
+    QTest::mouseMove(view->viewport(), cell(5, 1));
+    QTest::mouseRelease(view->viewport(), Qt::LeftButton, {}, cell(5, 1));
+    QTest::keyClick(view, Qt::Key_C, Qt::ControlModifier);
+    QTest::keyClick(view, Qt::Key_Home, Qt::ControlModifier);
+    QTest::keyClick(view, Qt::Key_Insert);
+    EXPECT_FALSE(view->model().isInsertMode());
+    const uint8_t last = doc->GetData(31);
+    QTest::keyClick(view, Qt::Key_V, Qt::ControlModifier);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(doc->GetData(uint32_t(i)), doc->GetData(uint32_t(0x12 + i))) << i;
+    EXPECT_EQ(doc->GetData(4), 8);
+    EXPECT_EQ(doc->GetData(31), last);
+    int64_t low = 0, high = 0;
+    ASSERT_TRUE(view->model().markRange(low, high)); // the pasted bytes end marked
+    EXPECT_EQ(low, 0);
+    EXPECT_EQ(high, 3);
 }
 
 // Ctrl+G opens Go To; the address is typed as the view shows it, and one past the buffer is
