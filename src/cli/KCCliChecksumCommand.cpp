@@ -1,6 +1,7 @@
 #include "KCCliChecksumCommand.h"
 
 #include "KCCliArgs.h"
+#include "KCCliDeviceOption.h"
 #include "KCCliHost.h"
 #include "KCCliImageLoader.h"
 #include "doc/KCDataDoc.h"
@@ -12,7 +13,7 @@
 
 const char *KCCliChecksumCommand::usage() const
 {
-    return "usage: krldv checksum FILE [--format NAME] [--kind byte|fuse] [--range START:END]\n"
+    return "usage: krldv checksum FILE [--format NAME] [--kind byte|fuse] [--range START:END] [--device NAME]\n"
            "\n"
            "Loads FILE into a buffer and prints its checksum as 0xXXXXXXXX, followed by what it\n"
            "covers: by default the image's extent, address 0 to the highest loaded address,\n"
@@ -23,12 +24,13 @@ const char *KCCliChecksumCommand::usage() const
            "  --kind fuse    fuse-map sum: 1 << (address & 7) for every nonzero byte\n"
            "  --range S:E    only addresses S..E (inclusive; 0x for hexadecimal)\n"
            "A JEDEC file holds fuse n at address n: --kind fuse over 0..QF-1 gives the\n"
-           "file's fuse checksum in its low 16 bits.\n";
+           "file's fuse checksum in its low 16 bits.\n"
+           "  --device NAME  load through the device's size, ranges and address offset\n";
 }
 
 int KCCliChecksumCommand::run(const std::vector<std::string> &args)
 {
-    const KCCliArgs a(args, {"kind", "range", "format"}, {});
+    const KCCliArgs a(args, {"kind", "range", "format", "device"}, {});
     if (a.helpRequested()) {
         std::fputs(usage(), stdout);
         return CLI_OK;
@@ -45,11 +47,15 @@ int KCCliChecksumCommand::run(const std::vector<std::string> &args)
         problem = "--range takes START:END with START <= END below 4 GiB, not " + a.value("range");
     if (problem.empty())
         problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("format"));
+    if (problem.empty())
+        problem = KCCliDeviceOption::problem(a.value("device"));
     if (!problem.empty())
         return usageError(problem);
 
     KCCliHost host;
     KCDataDoc doc;
+    if (!KCCliDeviceOption::select(doc, a.value("device")))
+        return CLI_INPUT_ERROR;
     const std::string &path = a.positional()[0];
     if (!KCCliImageLoader::load(doc, path, a.value("format")))
         return CLI_INPUT_ERROR;

@@ -2,6 +2,8 @@
 
 #include "KCCliChecksumCommand.h"
 #include "KCCliConvertCommand.h"
+#include "KCCliDeviceCommand.h"
+#include "KCCliDevicesCommand.h"
 #include "KCCliFillCommand.h"
 #include "KCCliInfoCommand.h"
 #include "KCCliSerialCommand.h"
@@ -14,5 +16,7 @@ std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
     commands.push_back(std::make_unique<KCCliChecksumCommand>());
     commands.push_back(std::make_unique<KCCliFillCommand>());
     commands.push_back(std::make_unique<KCCliSerialCommand>());
+    commands.push_back(std::make_unique<KCCliDevicesCommand>());
+    commands.push_back(std::make_unique<KCCliDeviceCommand>());
     return commands;
 }

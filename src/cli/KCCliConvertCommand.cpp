@@ -1,6 +1,7 @@
 #include "KCCliConvertCommand.h"
 
 #include "KCCliArgs.h"
+#include "KCCliDeviceOption.h"
 #include "KCCliHost.h"
 #include "KCCliImageLoader.h"
 #include "doc/KCDataDoc.h"
@@ -17,7 +18,7 @@ constexpr uint64_t MaxAddress = 0xFFFFFFFFull;
 
 const char *KCCliConvertCommand::usage() const
 {
-    return "usage: krldv convert IN OUT [--from NAME] [--to NAME] [--fill BYTE] [--range START:END]\n"
+    return "usage: krldv convert IN OUT [--from NAME] [--to NAME] [--fill BYTE] [--range START:END] [--device NAME]\n"
            "                          [--line-ending crlf|lf] [--record-bytes N] [--force]\n"
            "\n"
            "Reads IN into a buffer that starts at address 0 and reaches the highest loaded\n"
@@ -30,12 +31,13 @@ const char *KCCliConvertCommand::usage() const
            "  --record-bytes   data bytes per Intel/Motorola record, 1..255 (default 16)\n"
            "  --force          convert between a JEDEC fuse map and a data format (one fuse per byte)\n"
            "IN - reads standard input, OUT - writes standard output (then --from or --to is needed).\n"
-           "Writable: bin, intel, motorola, jedec. OUT is replaced only when all was written.\n";
+           "Writable: bin, intel, motorola, jedec. OUT is replaced only when all was written.\n"
+           "  --device NAME  load through the device's size, ranges and address offset\n";
 }
 
 int KCCliConvertCommand::run(const std::vector<std::string> &args)
 {
-    const KCCliArgs a(args, {"from", "to", "fill", "range", "line-ending", "record-bytes"}, {"force"});
+    const KCCliArgs a(args, {"from", "to", "fill", "range", "line-ending", "record-bytes", "device"}, {"force"});
     if (a.helpRequested()) {
         std::fputs(usage(), stdout);
         return CLI_OK;
@@ -61,12 +63,16 @@ int KCCliConvertCommand::run(const std::vector<std::string> &args)
         to = KCCliImageLoader::outputFormat(a.positional()[1], a.value("to"), problem);
     if (problem.empty())
         problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("from"));
+    if (problem.empty())
+        problem = KCCliDeviceOption::problem(a.value("device"));
     if (!problem.empty())
         return usageError(problem);
 
     KCCliHost host;
     host.setFillByte(static_cast<uint8_t>(fill));
     KCDataDoc doc;
+    if (!KCCliDeviceOption::select(doc, a.value("device")))
+        return CLI_INPUT_ERROR;
     const std::string &in = a.positional()[0];
     KCCliImageLoader::Choice choice;
     if (!KCCliImageLoader::chooseFormat(in, a.value("from"), choice))

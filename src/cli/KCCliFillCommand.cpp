@@ -1,6 +1,7 @@
 #include "KCCliFillCommand.h"
 
 #include "KCCliArgs.h"
+#include "KCCliDeviceOption.h"
 #include "KCCliHost.h"
 #include "KCCliImageLoader.h"
 #include "KCFileFormatRegistry.h"
@@ -18,14 +19,15 @@ constexpr uint64_t MaxByte = 0xFF;
 
 const char *KCCliFillCommand::usage() const
 {
-    return "usage: krldv fill IMAGE --range START:END --value BYTE [--format NAME] [--to NAME] -o OUT\n"
+    return "usage: krldv fill IMAGE --range START:END --value BYTE [--format NAME] [--to NAME] -o OUT [--device NAME]\n"
            "\n"
            "Loads IMAGE, sets every byte from START to END (inclusive) to BYTE and writes OUT.\n"
            "OUT keeps the image's shape: what was loaded plus the filled range, gaps elsewhere\n"
            "staying gaps in record formats. A range past the image's end extends it.\n"
            "  --format NAME  IMAGE's format (default: from the extension, then the content)\n"
            "  --to NAME      OUT's format (default: from its extension)\n"
-           "Addresses and BYTE take 0x for hexadecimal; - is standard input or output.\n";
+           "Addresses and BYTE take 0x for hexadecimal; - is standard input or output.\n"
+           "  --device NAME  load through the device's size, ranges and address offset\n";
 }
 
 int KCCliFillCommand::run(const std::vector<std::string> &rawArgs)
@@ -33,7 +35,7 @@ int KCCliFillCommand::run(const std::vector<std::string> &rawArgs)
     std::vector<std::string> args;
     for (const std::string &arg : rawArgs)
         args.push_back(arg == "-o" ? "--output" : arg);
-    const KCCliArgs a(args, {"range", "value", "format", "to", "output"}, {});
+    const KCCliArgs a(args, {"range", "value", "format", "to", "output", "device"}, {});
     if (a.helpRequested()) {
         std::fputs(usage(), stdout);
         return CLI_OK;
@@ -53,11 +55,15 @@ int KCCliFillCommand::run(const std::vector<std::string> &rawArgs)
         to = KCCliImageLoader::outputFormat(a.value("output"), a.value("to"), problem);
     if (problem.empty())
         problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("format"));
+    if (problem.empty())
+        problem = KCCliDeviceOption::problem(a.value("device"));
     if (!problem.empty())
         return usageError(problem);
 
     KCCliHost host;
     KCDataDoc doc;
+    if (!KCCliDeviceOption::select(doc, a.value("device")))
+        return CLI_INPUT_ERROR;
     const std::string &image = a.positional()[0];
     if (!KCCliImageLoader::load(doc, image, a.value("format")))
         return CLI_INPUT_ERROR;

@@ -113,7 +113,9 @@ bool KCCliImageLoader::load(KCDataDoc &doc, const std::string &path, const std::
         return false;
     TAG_BUFFER_PARAM *param = doc.mainBufferParam();
     param->fileType = KCFormatNames::loadSaveType(c.chosen->name);
-    param->LBSA = param->LBEA = 0xFFFFFFFF;
+    // A device's range stays: the device decides where its bytes come from.
+    if (!doc.HasDeviceX())
+        param->LBSA = param->LBEA = 0xFFFFFFFF;
     // The command line needs the flat image only for binary output: memory follows the data.
     doc.setSparse(true);
     doc.undoHistory().setBudget(0); // a command makes one change: nothing to undo

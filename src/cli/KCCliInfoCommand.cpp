@@ -1,6 +1,7 @@
 #include "KCCliInfoCommand.h"
 
 #include "KCCliArgs.h"
+#include "KCCliDeviceOption.h"
 #include "KCCliHost.h"
 #include "KCCliImageLoader.h"
 #include "doc/KCDataDoc.h"
@@ -23,19 +24,20 @@ unsigned long long ull(uint64_t v)
 
 const char *KCCliInfoCommand::usage() const
 {
-    return "usage: krldv info FILE [--format NAME]\n"
+    return "usage: krldv info FILE [--format NAME] [--device NAME]\n"
            "\n"
            "Shows the format found (and whether the extension and the content agree), the\n"
            "records, the address ranges, the bytes loaded and their sum, and the buffer\n"
            "checksum over the image's extent (address 0 to the highest loaded address, gaps\n"
            "counted as fill bytes) as the checksum command gives it; for a JEDEC file the\n"
            "fuse count and both checksums, stated and computed.\n"
-           "  --format NAME  bin, intel, motorola, ti, jedec, svf, stapl, otp\n";
+           "  --format NAME  bin, intel, motorola, ti, jedec, svf, stapl, otp\n"
+           "  --device NAME  load through the device's size, ranges and address offset\n";
 }
 
 int KCCliInfoCommand::run(const std::vector<std::string> &args)
 {
-    const KCCliArgs a(args, {"format"}, {});
+    const KCCliArgs a(args, {"format", "device"}, {});
     if (a.helpRequested()) {
         std::fputs(usage(), stdout);
         return CLI_OK;
@@ -45,11 +47,15 @@ int KCCliInfoCommand::run(const std::vector<std::string> &args)
         problem = a.positional().empty() ? "no input file given" : "only one input file is taken";
     if (problem.empty())
         problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("format"));
+    if (problem.empty())
+        problem = KCCliDeviceOption::problem(a.value("device"));
     if (!problem.empty())
         return usageError(problem);
 
     KCCliHost host;
     KCDataDoc doc;
+    if (!KCCliDeviceOption::select(doc, a.value("device")))
+        return CLI_INPUT_ERROR;
     const std::string &path = a.positional()[0];
     KCCliImageLoader::Choice choice;
     if (!KCCliImageLoader::load(doc, path, a.value("format"), &choice))
@@ -76,8 +82,11 @@ int KCCliInfoCommand::run(const std::vector<std::string> &args)
         if (i < MaxListedRanges)
             std::printf("  0x%08llX-0x%08llX  %llu bytes\n", ull(range.first), ull(range.second),
                         ull(range.second - range.first + 1));
-        if (range.first < size)
-            sum += cBufferSum::byteSum(data + range.first, std::min(range.second, size - 1) - range.first + 1);
+        // Ranges are file addresses; the buffer starts at the load base.
+        const uint64_t base = doc.loadBase();
+        if (range.first >= base && range.first - base < size)
+            sum += cBufferSum::byteSum(data + (range.first - base),
+                                       std::min(range.second - base, size - 1) - (range.first - base) + 1);
     }
     if (r.ranges.size() > MaxListedRanges)
         std::printf("  ... %zu more\n", r.ranges.size() - MaxListedRanges);

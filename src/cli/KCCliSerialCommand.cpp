@@ -1,6 +1,7 @@
 #include "KCCliSerialCommand.h"
 
 #include "KCCliArgs.h"
+#include "KCCliDeviceOption.h"
 #include "KCCliHost.h"
 #include "KCCliImageLoader.h"
 #include "doc/KCDataDoc.h"
@@ -38,12 +39,13 @@ const char *KCCliSerialCommand::usage() const
            "  --repr R         representation of a CALC number (default hex-asc)\n"
            "  --little-endian  reverse the bytes\n"
            "\n"
-           "usage: krldv serial stamp IMAGE DEFFILE --address A [--count N] [--repr R]\n"
+           "usage: krldv serial stamp IMAGE DEFFILE --address A [--count N] [--repr R] [--device NAME]\n"
            "                          [--little-endian] [--from NAME] [--to NAME] -o OUT\n"
            "\n"
            "Consumes the next number of the file's first block, writes it into the image at\n"
            "buffer address A (at most N bytes; default: the whole number) and saves the image\n"
-           "as OUT (format from --to or OUT's extension). Prints the number as above.\n";
+           "as OUT (format from --to or OUT's extension). Prints the number as above.\n"
+           "  --device NAME  load through the device's size, ranges and address offset\n";
 }
 
 namespace {
@@ -64,7 +66,7 @@ int KCCliSerialCommand::runStamp(const std::vector<std::string> &rawArgs)
     std::vector<std::string> args;
     for (const std::string &arg : rawArgs)
         args.push_back(arg == "-o" ? "--output" : arg);
-    const KCCliArgs a(args, {"address", "count", "repr", "from", "to", "output"}, {"little-endian"});
+    const KCCliArgs a(args, {"address", "count", "repr", "from", "to", "output", "device"}, {"little-endian"});
     if (a.helpRequested()) {
         std::fputs(usage(), stdout);
         return CLI_OK;
@@ -89,11 +91,15 @@ int KCCliSerialCommand::runStamp(const std::vector<std::string> &rawArgs)
         to = KCCliImageLoader::outputFormat(a.value("output"), a.value("to"), problem);
     if (problem.empty())
         problem = KCCliImageLoader::formatProblem(p[1], a.value("from"));
+    if (problem.empty())
+        problem = KCCliDeviceOption::problem(a.value("device"));
     if (!problem.empty())
         return usageError(problem);
 
     KCCliHost host;
     KCDataDoc doc;
+    if (!KCCliDeviceOption::select(doc, a.value("device")))
+        return CLI_INPUT_ERROR;
     const std::string &image = p[1], &defFile = p[2];
     if (!KCCliImageLoader::load(doc, image, a.value("from")))
         return CLI_INPUT_ERROR;

@@ -276,6 +276,60 @@ bool KCDeviceDatabase::loadText(const std::string &content, const std::string &f
     return true;
 }
 
+namespace {
+
+json jsonOf(const DEVICE_KRLXDEF_ITEM &d)
+{
+    json j = {{"name", d.name},
+              {"vendor", d.vendor},
+              {"family", d.familyName},
+              {"type", d.type},
+              {"kind", d.kind},
+              {"size", d.bufferSize},
+              {"dataWidth", d.dataWidth},
+              {"BSA", d.BSA},
+              {"BEA", d.BEA},
+              {"DSA", d.DSA},
+              {"DEA", d.DEA},
+              {"DMA", d.DMA},
+              {"addressOffset", d.addressOffset},
+              {"optionType", d.optionType},
+              {"layout", d.layout},
+              {"defaultFileType", d.defaultFileType},
+              {"fuseCount", d.fuseCount},
+              {"engine", d.engine},
+              {"engineChip", d.engineChip},
+              {"engineEmulation", d.engineEmulation}};
+    json bytes = json::object();
+    for (const auto &[offset, value] : d.optionBytes)
+        bytes[std::to_string(offset)] = value;
+    json numeric = json::object();
+    for (const auto &[key, value] : d.numericKeys)
+        numeric[key] = value;
+    json texts = json::object();
+    for (const auto &[key, value] : d.textKeys)
+        texts[key] = value;
+    j["optionBytes"] = bytes;
+    j["numericKeys"] = numeric;
+    j["textKeys"] = texts;
+    return j;
+}
+
+} // namespace
+
+std::string KCDeviceDatabase::toJson(const DEVICE_KRLXDEF_ITEM &device, int indent)
+{
+    return jsonOf(device).dump(indent);
+}
+
+std::string KCDeviceDatabase::toJson(const std::vector<const DEVICE_KRLXDEF_ITEM *> &devices, int indent)
+{
+    json all = json::array();
+    for (const DEVICE_KRLXDEF_ITEM *d : devices)
+        all.push_back(jsonOf(*d));
+    return all.dump(indent);
+}
+
 const DEVICE_KRLXDEF_ITEM *KCDeviceDatabase::find(const std::string &name) const
 {
     const std::string key = lower(name);

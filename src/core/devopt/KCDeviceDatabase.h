@@ -28,6 +28,12 @@ public:
     std::vector<const DEVICE_KRLXDEF_ITEM *> match(const std::string &pattern) const;
     const std::string &error() const { return m_error; }
 
+    // A device as JSON with the field names of the database files (ranges and layout filled
+    // in), plus its family; `indent` < 0 gives one line.
+    static std::string toJson(const DEVICE_KRLXDEF_ITEM &device, int indent = 2);
+    // Several devices as one JSON array.
+    static std::string toJson(const std::vector<const DEVICE_KRLXDEF_ITEM *> &devices, int indent = 2);
+
     // The layout a device of this kind opens in, unless the device names one.
     static std::string layoutOfKind(uint32_t kind, uint32_t fuseCount, int dataWidth);
 

@@ -178,6 +178,9 @@ public:
     // Puts the fill byte into the gaps inside [first, last] (all of them by default).
     void materializeGaps(uint64_t first = 0, uint64_t last = UINT64_MAX);
     uint8_t fillByte() const;
+    // The file address of buffer address 0: a device's address offset, or the lowest
+    // address of a file loaded from there.
+    uint64_t loadBase() const { return m_loadBase; }
 
     cAlgoParam &AlgoParam() { return *m_algoParam; }
     const cAlgoParam &AlgoParam() const { return *m_algoParam; }
