@@ -12,6 +12,7 @@ const char *const KeyUndoBudget = "edit/undoBudgetMiB";
 const char *const KeyFont = "view/font";
 const char *const KeyLastDirectory = "files/lastDirectory";
 const char *const KeyRecentFiles = "files/recent";
+const char *const KeyRecentDevices = "devices/recent";
 const char *const KeyGeometry = "window/geometry";
 const char *const KeyState = "window/state";
 } // namespace
@@ -43,6 +44,7 @@ void KCAppSettings::load()
     }
     m_lastDirectory = m_store->value(KeyLastDirectory).toString();
     m_recentFiles = m_store->value(KeyRecentFiles).toStringList();
+    m_recentDevices = m_store->value(KeyRecentDevices).toStringList();
     m_windowGeometry = m_store->value(KeyGeometry).toByteArray();
     m_windowState = m_store->value(KeyState).toByteArray();
 }
@@ -76,6 +78,7 @@ void KCAppSettings::save()
         m_store->setValue(KeyFont, m_font.toString());
     m_store->setValue(KeyLastDirectory, m_lastDirectory);
     m_store->setValue(KeyRecentFiles, m_recentFiles);
+    m_store->setValue(KeyRecentDevices, m_recentDevices);
     m_store->setValue(KeyGeometry, m_windowGeometry);
     m_store->setValue(KeyState, m_windowState);
     m_store->sync();

@@ -41,6 +41,8 @@ public:
     void setLastDirectory(const QString &dir) { m_lastDirectory = dir; }
     QStringList recentFiles() const { return m_recentFiles; }
     void setRecentFiles(const QStringList &files) { m_recentFiles = files; }
+    QStringList recentDevices() const { return m_recentDevices; }
+    void setRecentDevices(const QStringList &names) { m_recentDevices = names; }
     QByteArray windowState() const { return m_windowState; }
     QByteArray windowGeometry() const { return m_windowGeometry; }
     void setWindow(const QByteArray &geometry, const QByteArray &state);
@@ -60,6 +62,7 @@ private:
     bool m_hasFont = false;
     QString m_lastDirectory;
     QStringList m_recentFiles;
+    QStringList m_recentDevices;
     QByteArray m_windowGeometry;
     QByteArray m_windowState;
     bool m_readOnly = false;

@@ -1,5 +1,7 @@
 #include "KCMainFrame.h"
 
+#include "KCDeviceMenu.h"
+
 #include "bufops/KCBufferFill.h"
 #include "host/KCNumberText.h"
 #include "view/KCClipboardController.h"
@@ -95,6 +97,12 @@ KCMainFrame::KCMainFrame(const QString &settingsFile, QWidget *parent)
     for (const QString &f : m_settings.recentFiles())
         KCDocBase::recentFiles().push_back(toPath(f));
 
+    m_devices = new KCDeviceMenu(*this, m_settings);
+    connect(m_devices, &KCDeviceMenu::deviceChanged, this, [this] {
+        m_settings.save();
+        if (m_doc)
+            documentUpdated(DOCHINT_ALL);
+    });
     createActions();
     createMenus();
     if (!m_settings.windowGeometry().isEmpty())
@@ -344,6 +352,9 @@ void KCMainFrame::createMenus()
     view->addSeparator();
     view->addAction(m_newWindowAction);
 
+    QMenu *device = menuBar()->addMenu(tr("&Device"));
+    m_devices->addTo(device);
+
     QMenu *buffer = menuBar()->addMenu(tr("&Buffer"));
     buffer->addAction(m_swapAction);
     buffer->addSeparator();
@@ -374,6 +385,7 @@ bool KCMainFrame::newDocument()
     --m_pendingDocuments;
     if (!ok)
         return false;
+    m_devices->applyTo(*doc);
     install(std::move(doc));
     m_doc->ComputeCheckSum(-1);
     return true;
@@ -394,6 +406,7 @@ KCDocBase *KCMainFrame::openDocumentFile(const std::string &path)
     m_host->BeginWaitCursor();
     ++m_pendingDocuments;
     auto doc = std::make_unique<KCDataDoc>();
+    m_devices->applyTo(*doc); // the file loads through the device's ranges
     const bool ok = doc->OnOpenDocument(path.c_str());
     --m_pendingDocuments;
     m_host->EndWaitCursor();

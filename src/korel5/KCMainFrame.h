@@ -14,6 +14,7 @@ class KCAppHost;
 class KCChildFrame;
 class KCDataDoc;
 class KCDataView;
+class KCDeviceMenu;
 class KCDocBase;
 class KCDocWatcher;
 class KCMessageWindow;
@@ -42,6 +43,7 @@ public:
     KCStatusBar *statusPanes() const { return m_status; }
     KCWorkspaceTree *workspaceTree() const { return m_tree; }
     QMdiArea *mdiArea() const { return m_mdi; }
+    KCDeviceMenu *devices() const { return m_devices; }
 
     KCDataDoc *document() const { return m_doc.get(); }
     // Documents open, counting one being created.
@@ -132,4 +134,5 @@ private:
     QAction *m_takeSerialAction = nullptr;
     QActionGroup *m_layoutGroup = nullptr;
     QMenu *m_recentMenu = nullptr;
+    KCDeviceMenu *m_devices = nullptr;
 };

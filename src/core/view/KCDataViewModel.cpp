@@ -44,6 +44,9 @@ void KCDataViewModel::setDocument(KCDataDoc *doc, bool attach)
     if (m_attached)
         m_doc->AddView(this);
     OnUpdate(nullptr, DOCHINT_ALL);
+    // A view opened on a document bound to a device shows the device's layout.
+    if (m_doc && m_doc->HasDeviceX())
+        applyDeviceViews();
 }
 
 uint64_t KCDataViewModel::bufferLimit() const

@@ -1,0 +1,113 @@
+#include "KCDeviceMenu.h"
+
+#include "KCAppHost.h"
+#include "KCAppSettings.h"
+#include "KCMainFrame.h"
+#include "KCSelectDeviceDialog.h"
+#include "doc/KCDataDoc.h"
+#include "host/KCMainProgDataExChange.h"
+#include "host/KCMessageMarks.h"
+
+#include <QAction>
+#include <QMenu>
+
+KCDeviceMenu::KCDeviceMenu(KCMainFrame &frame, KCAppSettings &settings)
+    : QObject(&frame), m_frame(frame), m_settings(settings)
+{
+    if (!m_database.load(KCDeviceDatabase::defaultFolder()))
+        static_cast<KCMainProgDataExChange &>(frame.host()).ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + m_database.error());
+    m_selectAction = new QAction(tr("Select &Device..."), this);
+    m_selectAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_D));
+    connect(m_selectAction, &QAction::triggered, this, &KCDeviceMenu::chooseDevice);
+    m_noDeviceAction = new QAction(tr("&No Device"), this);
+    connect(m_noDeviceAction, &QAction::triggered, this, &KCDeviceMenu::deselect);
+}
+
+void KCDeviceMenu::addTo(QMenu *menu)
+{
+    menu->addAction(m_selectAction);
+    m_recentMenu = menu->addMenu(tr("&Recent Devices"));
+    menu->addAction(m_noDeviceAction);
+    // The window's commands work wherever the focus is.
+    m_frame.addAction(m_selectAction);
+    updateRecentMenu();
+}
+
+void KCDeviceMenu::chooseDevice()
+{
+    KCSelectDeviceDialog dialog(m_database, m_settings.recentDevices(), &m_frame);
+    if (dialog.exec() == QDialog::Accepted && !dialog.selectedName().isEmpty())
+        select(dialog.selectedName());
+}
+
+bool KCDeviceMenu::confirmCut(const KCDataDoc &doc, const DEVICE_KRLXDEF_ITEM &device) const
+{
+    const uint64_t cut = doc.definedBytesFrom(device.bufferSize);
+    if (cut == 0)
+        return true;
+    const std::string text = std::to_string(cut) + " bytes of the image lie beyond the " +
+                             std::to_string(device.bufferSize) + " bytes of " + device.name +
+                             " and will be cut off.\nSelect the device anyway?";
+    return static_cast<KCMainProgDataExChange &>(m_frame.host()).MessageBox(text, KCPrompt::MB_OKCANCEL | KCPrompt::MB_ICONEXCLAMATION) == KCPrompt::IDOK;
+}
+
+bool KCDeviceMenu::select(const QString &name)
+{
+    KCMainProgDataExChange &host = m_frame.host();
+    const DEVICE_KRLXDEF_ITEM *device = m_database.find(name.toStdString());
+    if (!device) {
+        host.ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + name.toStdString() +
+                         " : no such device in the device database");
+        return false;
+    }
+    if (KCDataDoc *doc = m_frame.document()) {
+        if (!confirmCut(*doc, *device))
+            return false;
+        if (!doc->selectDevice(*device)) {
+            host.ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + device->name + " : cannot be selected");
+            return false;
+        }
+    }
+    m_device = *device;
+    remember(name);
+    host.ShowMessage("Device selected: " + device->name + " (" + device->vendor + ", " +
+                     std::to_string(device->bufferSize) + " bytes)");
+    emit deviceChanged();
+    return true;
+}
+
+bool KCDeviceMenu::deselect()
+{
+    if (KCDataDoc *doc = m_frame.document(); doc && !doc->deselectDeviceItem())
+        return false;
+    m_device.reset();
+    emit deviceChanged();
+    return true;
+}
+
+void KCDeviceMenu::applyTo(KCDataDoc &doc) const
+{
+    if (m_device)
+        doc.selectDevice(*m_device);
+}
+
+void KCDeviceMenu::remember(const QString &name)
+{
+    QStringList recent = m_settings.recentDevices();
+    recent.removeAll(name);
+    recent.prepend(QString::fromStdString(m_database.find(name.toStdString())->name));
+    while (recent.size() > MaxRecentDevices)
+        recent.removeLast();
+    m_settings.setRecentDevices(recent);
+    updateRecentMenu();
+}
+
+void KCDeviceMenu::updateRecentMenu()
+{
+    if (!m_recentMenu)
+        return;
+    m_recentMenu->clear();
+    for (const QString &name : m_settings.recentDevices())
+        connect(m_recentMenu->addAction(name), &QAction::triggered, this, [this, name] { select(name); });
+    m_recentMenu->setEnabled(!m_recentMenu->isEmpty());
+}

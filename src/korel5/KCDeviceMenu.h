@@ -1,0 +1,56 @@
+#pragma once
+
+#include "devopt/KCDeviceDatabase.h"
+
+#include <QObject>
+#include <QStringList>
+
+#include <optional>
+
+class KCAppSettings;
+class KCDataDoc;
+class KCMainFrame;
+class QAction;
+class QMenu;
+
+// The Device menu: the device database, the device the program works with, the recently
+// used ones. The device holds for every document opened or made while it is selected.
+class KCDeviceMenu : public QObject
+{
+    Q_OBJECT
+public:
+    static constexpr int MaxRecentDevices = 8;
+
+    KCDeviceMenu(KCMainFrame &frame, KCAppSettings &settings);
+
+    void addTo(QMenu *menu);
+    const KCDeviceDatabase &database() const { return m_database; }
+    // The selected device, none when working on bare images.
+    const DEVICE_KRLXDEF_ITEM *device() const { return m_device ? &*m_device : nullptr; }
+
+    // Selects a device by name for the program and the open document; false (and said why)
+    // when there is no such device, the user keeps the image, or the document refuses it.
+    bool select(const QString &name);
+    bool deselect();
+    // Binds a document being made or opened to the selected device, before it loads.
+    void applyTo(KCDataDoc &doc) const;
+    // Device > Select Device: the list dialog.
+    void chooseDevice();
+
+signals:
+    void deviceChanged();
+
+private:
+    void updateRecentMenu();
+    void remember(const QString &name);
+    // Asks before a device cuts defined bytes off the open image.
+    bool confirmCut(const KCDataDoc &doc, const DEVICE_KRLXDEF_ITEM &device) const;
+
+    KCMainFrame &m_frame;
+    KCAppSettings &m_settings;
+    KCDeviceDatabase m_database;
+    std::optional<DEVICE_KRLXDEF_ITEM> m_device;
+    QAction *m_selectAction;
+    QAction *m_noDeviceAction;
+    QMenu *m_recentMenu = nullptr;
+};
