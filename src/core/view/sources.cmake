@@ -6,4 +6,12 @@ list(APPEND KRLDV_CORE_SOURCES
   view/KCDataViewModel.cpp
   view/KCIndexedColor.cpp
   view/KCKrlBinary.cpp
+  view/KCEditPatternState.cpp
+  view/KCEditFieldModel.cpp
+  view/KCEditByteModel.cpp
+  view/KCEditCharModel.cpp
+  view/KCEditWordModel.cpp
+  view/cBufferSearch.cpp
+  view/KCSearchHits.cpp
+  view/KCSearchModel.cpp
 )
