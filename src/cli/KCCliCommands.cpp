@@ -3,6 +3,7 @@
 #include "KCCliChecksumCommand.h"
 #include "KCCliConvertCommand.h"
 #include "KCCliFillCommand.h"
+#include "KCCliFindCommand.h"
 #include "KCCliInfoCommand.h"
 #include "KCCliSerialCommand.h"
 
@@ -13,6 +14,7 @@ std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
     commands.push_back(std::make_unique<KCCliConvertCommand>());
     commands.push_back(std::make_unique<KCCliChecksumCommand>());
     commands.push_back(std::make_unique<KCCliFillCommand>());
+    commands.push_back(std::make_unique<KCCliFindCommand>());
     commands.push_back(std::make_unique<KCCliSerialCommand>());
     return commands;
 }
