@@ -8,6 +8,7 @@ const char *const Organisation = "krldv";
 const char *const Application = "korel5";
 const char *const KeyBufferSize = "buffer/defaultSize";
 const char *const KeyFillByte = "buffer/fillByte";
+const char *const KeyUndoBudget = "edit/undoBudgetMiB";
 const char *const KeyFont = "view/font";
 const char *const KeyLastDirectory = "files/lastDirectory";
 const char *const KeyRecentFiles = "files/recent";
@@ -32,6 +33,8 @@ void KCAppSettings::load()
     setDefaultBufferSize(ok ? size : DefaultBufferSize);
     const uint fill = m_store->value(KeyFillByte, uint(DefaultFillByte)).toUInt(&ok);
     m_fillByte = ok && fill <= 0xFF ? uint8_t(fill) : DefaultFillByte;
+    const uint undoMiB = m_store->value(KeyUndoBudget, DefaultUndoBudgetMiB).toUInt(&ok);
+    setUndoBudgetMiB(ok ? undoMiB : DefaultUndoBudgetMiB);
     const QString fontText = m_store->value(KeyFont).toString();
     QFont font;
     if (!fontText.isEmpty() && font.fromString(fontText)) {
@@ -68,6 +71,7 @@ void KCAppSettings::save()
         return;
     m_store->setValue(KeyBufferSize, qulonglong(m_bufferSize));
     m_store->setValue(KeyFillByte, uint(m_fillByte));
+    m_store->setValue(KeyUndoBudget, m_undoBudgetMiB);
     if (m_hasFont)
         m_store->setValue(KeyFont, m_font.toString());
     m_store->setValue(KeyLastDirectory, m_lastDirectory);

@@ -17,6 +17,9 @@ public:
     static constexpr uint64_t DefaultBufferSize = 0x10000;
     static constexpr uint64_t MaxBufferSize = 0x100000000ull; // 4 GiB, the widest 32-bit address range
     static constexpr uint8_t DefaultFillByte = 0xFF;
+    // Memory the undo history of a document may hold; a larger change is made only after asking.
+    static constexpr unsigned DefaultUndoBudgetMiB = 256;
+    static constexpr unsigned MaxUndoBudgetMiB = 64 * 1024;
 
     // The user's settings store; `fileName` selects a file of its own (tests, portable use).
     explicit KCAppSettings(const QString &fileName = QString());
@@ -26,6 +29,10 @@ public:
     void setDefaultBufferSize(uint64_t size);
     uint8_t fillByte() const { return m_fillByte; }
     void setFillByte(uint8_t fill) { m_fillByte = fill; }
+    // 0 turns undo off.
+    unsigned undoBudgetMiB() const { return m_undoBudgetMiB; }
+    uint64_t undoBudgetBytes() const { return uint64_t(m_undoBudgetMiB) << 20; }
+    void setUndoBudgetMiB(unsigned mib) { m_undoBudgetMiB = mib > MaxUndoBudgetMiB ? MaxUndoBudgetMiB : mib; }
     // The data views' font; the system's fixed font until one is chosen.
     QFont font() const { return m_font; }
     bool hasFont() const { return m_hasFont; }
@@ -48,6 +55,7 @@ private:
     std::unique_ptr<QSettings> m_store;
     uint64_t m_bufferSize = DefaultBufferSize;
     uint8_t m_fillByte = DefaultFillByte;
+    unsigned m_undoBudgetMiB = DefaultUndoBudgetMiB;
     QFont m_font;
     bool m_hasFont = false;
     QString m_lastDirectory;

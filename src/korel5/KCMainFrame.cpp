@@ -415,6 +415,7 @@ KCDocBase *KCMainFrame::openDocumentFile(const std::string &path)
 void KCMainFrame::install(std::unique_ptr<KCDataDoc> doc)
 {
     m_doc = std::move(doc);
+    m_doc->undoHistory().setBudget(m_settings.undoBudgetBytes());
     m_watcher->watch(m_doc.get());
     KCDataView *view = newWindow();
     if (view) {
@@ -701,6 +702,8 @@ void KCMainFrame::editSettings()
         return;
     if (dialog.fontChanged())
         applyFont();
+    if (m_doc)
+        m_doc->undoHistory().setBudget(m_settings.undoBudgetBytes());
     m_settings.save();
 }
 

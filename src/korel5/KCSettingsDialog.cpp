@@ -39,6 +39,14 @@ KCSettingsDialog::KCSettingsDialog(const KCAppSettings &settings, QWidget *paren
     m_fill->setRange(0, 0xFF);
     m_fill->setPrefix("0x");
     m_fill->setValue(settings.fillByte());
+    m_undoBudget = new QSpinBox(this);
+    m_undoBudget->setObjectName("undoBudgetSpin");
+    m_undoBudget->setRange(0, int(KCAppSettings::MaxUndoBudgetMiB));
+    m_undoBudget->setSuffix(tr(" MiB"));
+    m_undoBudget->setSpecialValueText(tr("Off"));
+    m_undoBudget->setToolTip(tr("Memory each buffer's undo history may hold. A change that needs more is made only "
+                                "after asking, and cannot be undone."));
+    m_undoBudget->setValue(int(settings.undoBudgetMiB()));
     m_fontLabel = new QLabel(this);
     auto *fontButton = new QPushButton(tr("Choose..."), this);
     connect(fontButton, &QPushButton::clicked, this, &KCSettingsDialog::chooseFont);
@@ -50,6 +58,7 @@ KCSettingsDialog::KCSettingsDialog(const KCAppSettings &settings, QWidget *paren
     auto *form = new QFormLayout;
     form->addRow(tr("New buffer size (hex bytes):"), m_size);
     form->addRow(tr("Fill byte:"), m_fill);
+    form->addRow(tr("Undo memory:"), m_undoBudget);
     form->addRow(tr("Data view font:"), fontRow);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(buttons, &QDialogButtonBox::accepted, this, [this] {
@@ -89,6 +98,7 @@ bool KCSettingsDialog::applyTo(KCAppSettings &settings) const
         return false;
     settings.setDefaultBufferSize(size);
     settings.setFillByte(static_cast<uint8_t>(m_fill->value()));
+    settings.setUndoBudgetMiB(unsigned(m_undoBudget->value()));
     if (m_fontChanged)
         settings.setFont(m_font);
     return true;

@@ -8,7 +8,7 @@ class QLabel;
 class QLineEdit;
 class QSpinBox;
 
-// Edits the settings of new buffers (size, fill byte) and the data views' font.
+// Edits the settings of new buffers (size, fill byte), the undo memory and the data views' font.
 class KCSettingsDialog : public QDialog
 {
     Q_OBJECT
@@ -25,6 +25,7 @@ private:
 
     QLineEdit *m_size;
     QSpinBox *m_fill;
+    QSpinBox *m_undoBudget;
     QLabel *m_fontLabel;
     QFont m_font;
     bool m_fontChanged = false;

@@ -8,6 +8,13 @@ uint64_t KCUndoHistory::Step::bytes() const
     return n;
 }
 
+void KCUndoHistory::setBudget(uint64_t bytes)
+{
+    m_budget = bytes;
+    if (bytes == 0 && !isOpen())
+        clear(isAtSaved());
+}
+
 bool KCUndoHistory::fits(uint64_t bytes) const
 {
     return bytes <= m_budget && m_open.bytes() <= m_budget - bytes;

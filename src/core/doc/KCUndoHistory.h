@@ -27,8 +27,9 @@ public:
 
     static constexpr uint64_t DefaultBudget = uint64_t(256) << 20;
 
-    // A budget of 0 turns the history off: nothing is kept and nothing is asked.
-    void setBudget(uint64_t bytes) { m_budget = bytes; }
+    // A budget of 0 turns the history off: nothing is kept and nothing is asked. Turning it
+    // off forgets what was kept; a smaller budget drops the oldest steps at the next change.
+    void setBudget(uint64_t bytes);
     uint64_t budget() const { return m_budget; }
     bool isEnabled() const { return m_budget != 0; }
     // Whether the open step (or a new one) can take `bytes` more old bytes.

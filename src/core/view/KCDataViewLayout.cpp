@@ -28,8 +28,8 @@ void writeNumber(uint64_t value, unsigned base, int digits, char *out, int room)
 
 } // namespace
 
-KCDataViewLayout::KCDataViewLayout(std::string name, int scrollFlags)
-    : m_name(std::move(name)), m_scrollFlags(scrollFlags)
+KCDataViewLayout::KCDataViewLayout(std::string name, int scrollFlags, Kind kind)
+    : m_name(std::move(name)), m_scrollFlags(scrollFlags), m_kind(kind)
 {
 }
 
@@ -490,29 +490,9 @@ bool KCDataViewLayout::isGroupStart(const TAG_VIEW_POSITION &pos) const
     return c && (c->flags & XLF_GROUP_FIRST) && pos.column == c->x;
 }
 
-void KCDataViewLayout::setMark(const TAG_VIEW_POSITION &anchor, const TAG_VIEW_POSITION &end, int state)
-{
-    m_markAnchor = anchor;
-    m_markEnd = end;
-    m_markState = state;
-}
-
-bool KCDataViewLayout::markRange(int64_t &low, int64_t &high) const
-{
-    if (m_markState != MARKSTATE_MARKED || !m_markAnchor.isValid() || !m_markEnd.isValid())
-        return false;
-    low = std::min(m_markAnchor.address, m_markEnd.address);
-    high = std::max(m_markAnchor.address, m_markEnd.address);
-    return true;
-}
-
 void KCDataViewLayout::takeViewState(const KCDataViewLayout &other)
 {
-    m_caret = other.m_caret;
-    m_markAnchor = other.m_markAnchor;
-    m_markEnd = other.m_markEnd;
-    m_markState = other.m_markState;
-    m_tracking = other.m_tracking;
+    m_cursor = other.m_cursor;
     m_charWidth = other.m_charWidth;
     m_linePitch = other.m_linePitch;
 }

@@ -2,6 +2,7 @@
 
 #include "doc/KCDataMap.h"
 
+#include "view/KCDataViewCursor.h"
 #include "view/TAG_VIEW_BUFFER_LAYOUT_ITEM.h"
 #include "view/TAG_VIEW_POSITION.h"
 #include "view/TAG_VIEW_ROW.h"
@@ -11,23 +12,25 @@
 #include <string>
 #include <vector>
 
-// Mark states of a layout.
-enum MARK_STATE : int { MARKSTATE_MARKED = 1, MARKSTATE_NONE = 3 };
-
 // The two block lists of a layout: rows fixed at the top, rows that scroll.
 enum LAYOUT_LIST : int { LAYOUT_TOP = 0, LAYOUT_BODY = 1 };
 
 // One named layout: what stands where on the view's character grid, as blocks of rows of
-// positioned cells, plus the caret, mark and tracking state the view keeps for it.
+// positioned cells, and the cursor the view keeps for it. The geometry knows nothing of the
+// cursor; the cursor only rides along so that each layout brings its own back.
 // Caret maths works on the body only; `limit` arguments are the buffer size, so addresses at
 // or past it hold no cell. Lookups are binary searches: their cost does not grow with the
 // buffer.
 class KCDataViewLayout
 {
 public:
-    KCDataViewLayout(std::string name, int scrollFlags);
+    // What the layout shows, so callers need not compare names.
+    enum class Kind { Bytes, Words, Bits };
+
+    KCDataViewLayout(std::string name, int scrollFlags, Kind kind = Kind::Bytes);
 
     const std::string &name() const { return m_name; }
+    Kind kind() const { return m_kind; }
     int scrollFlags() const { return m_scrollFlags; }
 
     // Building blocks: begin a block, add its row template cell by cell, finish it into a list.
@@ -82,21 +85,10 @@ public:
     const TAG_X_LAYOUT *cellAt(const TAG_VIEW_POSITION &pos) const;
     bool isGroupStart(const TAG_VIEW_POSITION &pos) const;
 
-    // The view's state for this layout.
-    const TAG_VIEW_POSITION &caret() const { return m_caret; }
-    void setCaret(const TAG_VIEW_POSITION &pos) { m_caret = pos; }
-    const TAG_VIEW_POSITION &markAnchor() const { return m_markAnchor; }
-    const TAG_VIEW_POSITION &markEnd() const { return m_markEnd; }
-    int markState() const { return m_markState; }
-    void setMark(const TAG_VIEW_POSITION &anchor, const TAG_VIEW_POSITION &end, int state);
-    void setMarkEnd(const TAG_VIEW_POSITION &end) { m_markEnd = end; }
-    void setMarkState(int state) { m_markState = state; }
-    // The marked buffer range, both ends inclusive; false when nothing is marked.
-    bool markRange(int64_t &low, int64_t &high) const;
-    bool isTracking() const { return m_tracking; }
-    void setTracking(bool tracking) { m_tracking = tracking; }
-    // Takes over the view state of `other`, e.g. when a layout is rebuilt over a new range;
-    // positions are for the caller to revalidate.
+    KCDataViewCursor &cursor() { return m_cursor; }
+    const KCDataViewCursor &cursor() const { return m_cursor; }
+    // Takes over the cursor and metrics of `other`, e.g. when a layout is rebuilt over a new
+    // range; positions are for the caller to revalidate.
     void takeViewState(const KCDataViewLayout &other);
 
 private:
@@ -110,6 +102,7 @@ private:
 
     std::string m_name;
     int m_scrollFlags;
+    Kind m_kind;
     std::vector<TAG_VIEW_BUFFER_LAYOUT_ITEM> m_top;
     std::vector<TAG_VIEW_BUFFER_LAYOUT_ITEM> m_body;
     TAG_VIEW_BUFFER_LAYOUT_ITEM m_building;
@@ -119,9 +112,5 @@ private:
     int m_charWidth = 0;
     int m_linePitch = 0;
 
-    TAG_VIEW_POSITION m_caret;
-    TAG_VIEW_POSITION m_markAnchor;
-    TAG_VIEW_POSITION m_markEnd;
-    int m_markState = MARKSTATE_NONE;
-    bool m_tracking = false;
+    KCDataViewCursor m_cursor;
 };

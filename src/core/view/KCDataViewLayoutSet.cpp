@@ -142,7 +142,7 @@ std::unique_ptr<KCDataViewLayout> KCDataViewLayoutSet::buildByteLayout(const std
 std::unique_ptr<KCDataViewLayout> KCDataViewLayoutSet::buildWordLayout(const std::string &name, int scrollFlags,
                                                                        int64_t first, int64_t last) const
 {
-    auto layout = std::make_unique<KCDataViewLayout>(name, scrollFlags);
+    auto layout = std::make_unique<KCDataViewLayout>(name, scrollFlags, KCDataViewLayout::Kind::Words);
     addTextRow(*layout, LAYOUT_TOP, hostString(KCHostStrings::ViewHeaderRow));
     layout->beginTextBlock();
     for (int w = 0; w < WordsPerRow; ++w)
@@ -171,7 +171,7 @@ std::unique_ptr<KCDataViewLayout> KCDataViewLayoutSet::buildWordLayout(const std
 std::unique_ptr<KCDataViewLayout> KCDataViewLayoutSet::buildBitLayout(const std::string &name, int scrollFlags,
                                                                       int64_t first, int64_t last) const
 {
-    auto layout = std::make_unique<KCDataViewLayout>(name, scrollFlags);
+    auto layout = std::make_unique<KCDataViewLayout>(name, scrollFlags, KCDataViewLayout::Kind::Bits);
     DefineBitStandardTopLayout(*layout, std::string(), DataX, BitsPerRow);
     layout->beginBlock(first, last, BitsPerRow);
     layout->addAddressCell(0, AddressDigits, 0, true);
@@ -242,13 +242,11 @@ void KCDataViewLayoutSet::resizeStandardLayouts(uint64_t size)
             continue;
         KCDataViewLayout &old = *m_layouts[index];
         std::unique_ptr<KCDataViewLayout> rebuilt;
-        const std::string kind = name;
-        if (kind == LAYOUT_BYTEVIEW)
-            rebuilt = buildByteLayout(name, old.scrollFlags(), 0, last, 0);
-        else if (kind == LAYOUT_WORDVIEW)
-            rebuilt = buildWordLayout(name, old.scrollFlags(), 0, last);
-        else
-            rebuilt = buildBitLayout(name, old.scrollFlags(), 0, last);
+        switch (old.kind()) {
+        case KCDataViewLayout::Kind::Bytes: rebuilt = buildByteLayout(name, old.scrollFlags(), 0, last, 0); break;
+        case KCDataViewLayout::Kind::Words: rebuilt = buildWordLayout(name, old.scrollFlags(), 0, last); break;
+        case KCDataViewLayout::Kind::Bits: rebuilt = buildBitLayout(name, old.scrollFlags(), 0, last); break;
+        }
         rebuilt->takeViewState(old);
         m_layouts[index] = std::move(rebuilt);
     }

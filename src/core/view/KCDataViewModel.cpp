@@ -3,9 +3,11 @@
 #include "doc/KCDataDoc.h"
 #include "doc/KCLayoutNames.h"
 #include "view/KCDataViewListener.h"
+#include "view/KCMouseController.h"
+#include "view/KCNavigationController.h"
+#include "view/KCValueEditController.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace {
 
@@ -14,27 +16,12 @@ namespace {
 constexpr int64_t NearLines = 11;
 constexpr int64_t JumpLines = 101;
 constexpr int NearColumns = 6;
-// Tab and Shift+Tab give up after travelling this many lines without finding a group start.
-constexpr int64_t TabSearchLines = 10;
-constexpr int WheelCtrlPages = 2;
-constexpr unsigned FirstPrintable = 32;
-constexpr unsigned LastByteCode = 0xFF;
-constexpr int HighNibbleShift = 4;
-
-int hexValue(unsigned ch)
-{
-    if (ch >= '0' && ch <= '9')
-        return static_cast<int>(ch - '0');
-    if (ch >= 'a' && ch <= 'f')
-        return static_cast<int>(ch - 'a' + 10);
-    if (ch >= 'A' && ch <= 'F')
-        return static_cast<int>(ch - 'A' + 10);
-    return -1;
-}
 
 } // namespace
 
-KCDataViewModel::KCDataViewModel(KCDataDoc *doc, KCMainProgDataExChange *host) : m_host(host), m_layouts(host)
+KCDataViewModel::KCDataViewModel(KCDataDoc *doc, KCMainProgDataExChange *host)
+    : m_host(host), m_layouts(host), m_navigation(std::make_unique<KCNavigationController>(*this)),
+      m_valueEdit(std::make_unique<KCValueEditController>(*this)), m_mouse(std::make_unique<KCMouseController>(*this))
 {
     m_layouts.defineStandardLayouts(host ? host->GetDefaultBufferSize() : 0);
     setDocument(doc);
@@ -109,12 +96,12 @@ void KCDataViewModel::revalidate()
     const uint64_t limit = bufferLimit();
     for (int i = 0; i < m_layouts.count(); ++i) {
         KCDataViewLayout &l = *m_layouts.layout(i);
-        if (l.caret().isValid() || i == m_layouts.currentIndex())
-            l.setCaret(l.validated(l.caret(), limit));
-        if (l.markAnchor().isValid() || l.markEnd().isValid()) {
-            const TAG_VIEW_POSITION anchor = l.validated(l.markAnchor(), limit);
-            const TAG_VIEW_POSITION end = l.validated(l.markEnd(), limit);
-            l.setMark(anchor, end, anchor.isValid() && end.isValid() ? l.markState() : MARKSTATE_NONE);
+        if (l.cursor().caret().isValid() || i == m_layouts.currentIndex())
+            l.cursor().setCaret(l.validated(l.cursor().caret(), limit));
+        if (l.cursor().markAnchor().isValid() || l.cursor().markEnd().isValid()) {
+            const TAG_VIEW_POSITION anchor = l.validated(l.cursor().markAnchor(), limit);
+            const TAG_VIEW_POSITION end = l.validated(l.cursor().markEnd(), limit);
+            l.cursor().setMark(anchor, end, anchor.isValid() && end.isValid() ? l.cursor().markState() : MARKSTATE_NONE);
         }
     }
 }
@@ -123,6 +110,12 @@ std::string KCDataViewModel::GetBufferLayoutName() const
 {
     const KCDataViewLayout *l = GetBufferLayoutView();
     return l ? l->name() : std::string();
+}
+
+bool KCDataViewModel::isFuseMapLayout() const
+{
+    const KCDataViewLayout *l = GetBufferLayoutView();
+    return l && l->kind() == KCDataViewLayout::Kind::Bits;
 }
 
 int KCDataViewModel::SetBufferLayoutView(const std::string &name)
@@ -138,8 +131,8 @@ int KCDataViewModel::SetBufferLayoutView(int index)
     KCDataViewLayout *now = GetBufferLayoutView();
     if (now != old) {
         // The layout brings back its own caret and mark; a first visit starts on its first cell.
-        now->setTracking(false);
-        now->setCaret(now->validated(now->caret(), bufferLimit()));
+        now->cursor().setTracking(false);
+        now->cursor().setCaret(now->validated(now->cursor().caret(), bufferLimit()));
         updateBorder();
         clampScroll();
         m_steps = ScrollSteps();
@@ -302,9 +295,9 @@ void KCDataViewModel::scrollColumnPages(int pages)
 void KCDataViewModel::ensureCaretVisible()
 {
     const KCDataViewLayout *l = GetBufferLayoutView();
-    if (!l || !l->caret().isValid())
+    if (!l || !l->cursor().caret().isValid())
         return;
-    const int64_t line = l->caret().line;
+    const int64_t line = l->cursor().caret().line;
     const int64_t page = visibleLines();
     while (page > 0) {
         const int64_t before = m_firstLine;
@@ -328,7 +321,7 @@ void KCDataViewModel::ensureCaretVisible()
             break;
     }
 
-    const int column = l->caret().column;
+    const int column = l->cursor().caret().column;
     const int width = m_viewColumns;
     while (width > 0) {
         const int before = m_firstColumn;
@@ -357,7 +350,7 @@ void KCDataViewModel::renderScreenLine(int screenLine, TAG_VIEW_ROW &row) const
     const LAYOUT_LIST list = screenLine < top ? LAYOUT_TOP : LAYOUT_BODY;
     const int64_t line = screenLine < top ? screenLine : m_firstLine + (screenLine - top);
     int64_t low = 1, high = 0;
-    l->markRange(low, high);
+    l->cursor().markRange(low, high);
     const cByteBuffer *buf = m_doc ? &m_doc->AlgoParam().buffer(0) : nullptr;
     l->renderRow(list, line, buf ? buf->data() : nullptr, buf ? buf->size() : 0, low, high, row,
                  m_doc && !m_doc->changedMap().isEmpty() ? &m_doc->changedMap() : nullptr,
@@ -367,15 +360,15 @@ void KCDataViewModel::renderScreenLine(int screenLine, TAG_VIEW_ROW &row) const
 bool KCDataViewModel::isCaretShown() const
 {
     const KCDataViewLayout *l = GetBufferLayoutView();
-    return m_focus && l && l->caret().isValid() && l->markState() == MARKSTATE_NONE;
+    return m_focus && l && l->cursor().caret().isValid() && l->cursor().markState() == MARKSTATE_NONE;
 }
 
 bool KCDataViewModel::caretScreenPosition(int &column, int &line) const
 {
     const KCDataViewLayout *l = GetBufferLayoutView();
-    if (!l || !l->caret().isValid())
+    if (!l || !l->cursor().caret().isValid())
         return false;
-    const TAG_VIEW_POSITION &c = l->caret();
+    const TAG_VIEW_POSITION &c = l->cursor().caret();
     if (c.line < m_firstLine || c.line >= m_firstLine + visibleLines() || c.column < m_firstColumn ||
         c.column >= m_firstColumn + m_viewColumns)
         return false;
@@ -387,7 +380,7 @@ bool KCDataViewModel::caretScreenPosition(int &column, int &line) const
 void KCDataViewModel::OnInitialUpdate()
 {
     if (KCDataViewLayout *l = GetBufferLayoutView())
-        l->setCaret(l->firstPosition(bufferLimit()));
+        l->cursor().setCaret(l->firstPosition(bufferLimit()));
     SetScrollMode(SCROLLMODE_STATIC, -1, -1);
     notify(KCDataViewListener::ChangedRows | KCDataViewListener::ChangedCaret);
 }
@@ -408,21 +401,21 @@ void KCDataViewModel::OnKillFocus()
 TAG_VIEW_POSITION KCDataViewModel::caret() const
 {
     const KCDataViewLayout *l = GetBufferLayoutView();
-    return l ? l->caret() : TAG_VIEW_POSITION();
+    return l ? l->cursor().caret() : TAG_VIEW_POSITION();
 }
 
 bool KCDataViewModel::markRange(int64_t &low, int64_t &high) const
 {
     const KCDataViewLayout *l = GetBufferLayoutView();
-    return l && l->markRange(low, high);
+    return l && l->cursor().markRange(low, high);
 }
 
 void KCDataViewModel::dropMark()
 {
     KCDataViewLayout *l = GetBufferLayoutView();
-    if (!l || l->markState() == MARKSTATE_NONE)
+    if (!l || l->cursor().markState() == MARKSTATE_NONE)
         return;
-    l->setMarkState(MARKSTATE_NONE);
+    l->cursor().setMarkState(MARKSTATE_NONE);
     notify(KCDataViewListener::ChangedRows | KCDataViewListener::ChangedCaret);
 }
 
@@ -450,7 +443,7 @@ bool KCDataViewModel::setMarkRange(int64_t low, int64_t high)
     if (!a.isValid() || !e.isValid())
         return false;
     m_steps = ScrollSteps();
-    l->setMark(a, e, MARKSTATE_MARKED);
+    l->cursor().setMark(a, e, MARKSTATE_MARKED);
     moveCaret(e);
     return true;
 }
@@ -458,7 +451,7 @@ bool KCDataViewModel::setMarkRange(int64_t low, int64_t high)
 void KCDataViewModel::moveCaret(const TAG_VIEW_POSITION &to)
 {
     KCDataViewLayout *l = GetBufferLayoutView();
-    l->setCaret(to);
+    l->cursor().setCaret(to);
     const int64_t line = m_firstLine;
     const int column = m_firstColumn;
     ensureCaretVisible();
@@ -468,193 +461,11 @@ void KCDataViewModel::moveCaret(const TAG_VIEW_POSITION &to)
     notify(changes);
 }
 
-bool KCDataViewModel::tabSearch(bool forward)
-{
-    const KCDataViewLayout *l = GetBufferLayoutView();
-    const uint64_t limit = bufferLimit();
-    const TAG_VIEW_POSITION start = l->caret();
-    TAG_VIEW_POSITION pos = start;
-    for (;;) {
-        const TAG_VIEW_POSITION next = forward ? l->stepRight(pos, false, limit) : l->stepLeft(pos, false, limit);
-        if (next == pos || std::llabs(next.line - start.line) > TabSearchLines)
-            return false;
-        pos = next;
-        if (l->isGroupStart(pos)) {
-            moveCaret(pos);
-            return true;
-        }
-    }
-}
 
-void KCDataViewModel::extendMark(Key key)
-{
-    KCDataViewLayout *l = GetBufferLayoutView();
-    const uint64_t limit = bufferLimit();
-    if (l->markState() != MARKSTATE_MARKED)
-        l->setMark(l->caret(), l->caret(), MARKSTATE_MARKED);
-    const TAG_VIEW_POSITION &end = l->markEnd();
-    TAG_VIEW_POSITION to = end;
-    switch (key) {
-    case KeyLeft: to = l->stepLeft(end, true, limit); break;
-    case KeyRight: to = l->stepRight(end, true, limit); break;
-    case KeyUp: to = l->stepLine(end, -1, limit); break;
-    default: to = l->stepLine(end, 1, limit); break;
-    }
-    l->setMarkEnd(to);
-    moveCaret(to);
-    notify(KCDataViewListener::ChangedRows);
-}
 
-bool KCDataViewModel::OnKeyDown(Key key, unsigned modifiers)
-{
-    KCDataViewLayout *l = GetBufferLayoutView();
-    if (!l)
-        return false;
-    if (l->isTracking())
-        return true;
-    m_steps = ScrollSteps();
-    const bool shift = modifiers & ShiftModifier;
-    if (key == KeyInsert) {
-        m_insertMode = !m_insertMode;
-        notify(KCDataViewListener::ChangedCaret);
-        return true;
-    }
-    if (!l->caret().isValid())
-        l->setCaret(l->firstPosition(bufferLimit()));
-    if (!l->caret().isValid())
-        return true;
-    if (shift && (key == KeyLeft || key == KeyRight || key == KeyUp || key == KeyDown)) {
-        extendMark(key);
-        return true;
-    }
-    const bool control = modifiers & ControlModifier;
-    if (key == KeyHome || key == KeyEnd || (control && (key == KeyUp || key == KeyDown))) {
-        dropMark();
-        jump(key, control);
-        return true;
-    }
-    dropMark();
-    const uint64_t limit = bufferLimit();
-    const TAG_VIEW_POSITION &c = l->caret();
-    switch (key) {
-    case KeyLeft:
-    case KeyBackspace: moveCaret(l->stepLeft(c, false, limit)); break;
-    case KeyRight: moveCaret(l->stepRight(c, false, limit)); break;
-    case KeyUp: moveCaret(l->stepLine(c, -1, limit)); break;
-    case KeyDown: moveCaret(l->stepLine(c, 1, limit)); break;
-    case KeyPageUp: scrollPages(-1); break;
-    case KeyPageDown: scrollPages(1); break;
-    case KeyTab: tabSearch(!shift); break;
-    default: return false;
-    }
-    return true;
-}
 
-bool KCDataViewModel::goToDisplayAddress(uint64_t displayAddress)
-{
-    const KCDataViewLayout *l = GetBufferLayoutView();
-    if (!l)
-        return false;
-    int64_t address = int64_t(displayAddress);
-    if (l->name() == LAYOUT_WORDVIEW) {
-        address = int64_t(displayAddress) * 2;
-    } else {
-        // Undo what the address column does: its scale and its display offset.
-        for (const TAG_VIEW_BUFFER_LAYOUT_ITEM &blk : l->blocks(LAYOUT_BODY)) {
-            const auto cell = std::find_if(blk.cells.begin(), blk.cells.end(), [](const TAG_X_LAYOUT &c) {
-                return c.kind == XL_ADDRESS_HEX || c.kind == XL_ADDRESS_DEC;
-            });
-            if (cell == blk.cells.end())
-                continue;
-            const int64_t shifted = int64_t(displayAddress) - cell->displayOffset;
-            address = cell->scale == 1.0f ? shifted : int64_t(double(shifted) / double(cell->scale));
-            break;
-        }
-    }
-    if (address < 0 || uint64_t(address) >= bufferLimit())
-        return false;
-    dropMark();
-    return setCaretAddress(address);
-}
 
-bool KCDataViewModel::jump(Key key, bool control)
-{
-    const KCDataViewLayout *l = GetBufferLayoutView();
-    const uint64_t limit = bufferLimit();
-    if (!l || limit == 0 || !m_doc)
-        return false;
-    const TAG_VIEW_POSITION c = l->caret();
-    const int64_t at = c.address;
-    int64_t to = at;
-    if (key == KeyHome || key == KeyEnd) {
-        const TAG_VIEW_BUFFER_LAYOUT_ITEM &blk = l->blocks(LAYOUT_BODY)[size_t(c.block)];
-        const int64_t rowStart = blk.bytesPerRow ? at - (at - blk.firstAddress) % blk.bytesPerRow : at;
-        if (control)
-            to = key == KeyHome ? 0 : int64_t(limit) - 1;
-        else
-            to = key == KeyHome ? rowStart : std::min<int64_t>(rowStart + blk.bytesPerRow - 1, int64_t(limit) - 1);
-    } else {
-        // The next or previous block of data: the start of a range of the image's data map.
-        const std::vector<KCAddressRange> ranges = m_doc->dataMap().ranges();
-        if (key == KeyDown) {
-            for (const KCAddressRange &r : ranges)
-                if (int64_t(r.first) > at) {
-                    to = int64_t(r.first);
-                    break;
-                }
-        } else {
-            for (auto r = ranges.rbegin(); r != ranges.rend(); ++r)
-                if (int64_t(r->first) < at) {
-                    to = int64_t(r->first);
-                    break;
-                }
-        }
-    }
-    return to != at && setCaretAddress(to);
-}
 
-bool KCDataViewModel::OnChar(unsigned ch)
-{
-    KCDataViewLayout *l = GetBufferLayoutView();
-    if (!l || l->isTracking() || !m_doc)
-        return false;
-    if (m_host && !m_host->ActionUi_NULL())
-        return false;
-    const TAG_VIEW_POSITION c = l->caret();
-    const TAG_X_LAYOUT *cell = l->cellAt(c);
-    if (!cell || !(cell->flags & XLF_EDITABLE) || !l->isUsable(c.block, c.lineInBlock, c.cell, bufferLimit()))
-        return false;
-    const uint32_t addr = static_cast<uint32_t>(c.address);
-    const unsigned char old = m_doc->GetData(addr);
-    unsigned char value;
-    switch (cell->kind) {
-    case XL_HEXBYTE: {
-        const int digit = hexValue(ch);
-        if (digit < 0)
-            return false;
-        value = c.column == cell->x ? static_cast<unsigned char>((old & 0x0F) | (digit << HighNibbleShift))
-                                    : static_cast<unsigned char>((old & 0xF0) | digit);
-        break;
-    }
-    case XL_CHAR:
-        if (ch < FirstPrintable || ch > LastByteCode)
-            return false;
-        value = static_cast<unsigned char>(ch);
-        break;
-    case XL_BIT:
-        if (ch != '0' && ch != '1')
-            return false;
-        value = static_cast<unsigned char>(ch - '0');
-        break;
-    default:
-        return false;
-    }
-    m_doc->SetData(value, addr);
-    m_doc->UpdateAllViews(this, DOCHINT_DATA);
-    notify(KCDataViewListener::ChangedRows);
-    OnKeyDown(KeyRight);
-    return true;
-}
 
 TAG_VIEW_POSITION KCDataViewModel::hitTestGrid(int screenColumn, int screenLine) const
 {
@@ -672,45 +483,44 @@ TAG_VIEW_POSITION KCDataViewModel::hitTest(int x, int y) const
     return hitTestGrid(x / m_charWidth, y / m_linePitch);
 }
 
-void KCDataViewModel::OnLButtonDown(int x, int y)
+bool KCDataViewModel::OnKeyDown(Key key, unsigned modifiers)
 {
     KCDataViewLayout *l = GetBufferLayoutView();
     if (!l)
-        return;
+        return false;
+    // Keys are ignored while the left button drags a mark.
+    if (l->cursor().isTracking())
+        return true;
     m_steps = ScrollSteps();
-    dropMark();
-    const TAG_VIEW_POSITION p = hitTest(x, y);
-    if (!p.isValid())
-        return;
-    l->setMark(p, p, MARKSTATE_NONE);
-    l->setTracking(true);
-    moveCaret(p);
+    return m_valueEdit->handleKey(key, modifiers) || m_navigation->handleKey(key, modifiers);
+}
+
+bool KCDataViewModel::OnChar(unsigned ch)
+{
+    return m_valueEdit->handleChar(ch);
+}
+
+bool KCDataViewModel::goToDisplayAddress(uint64_t displayAddress)
+{
+    return m_navigation->goToDisplayAddress(displayAddress);
+}
+
+void KCDataViewModel::OnLButtonDown(int x, int y)
+{
+    m_mouse->press(x, y);
 }
 
 void KCDataViewModel::OnMouseMove(int x, int y)
 {
-    KCDataViewLayout *l = GetBufferLayoutView();
-    if (!l || !l->isTracking())
-        return;
-    const TAG_VIEW_POSITION p = hitTest(x, y);
-    if (!p.isValid() || (p.block == l->markEnd().block && p.line == l->markEnd().line && p.cell == l->markEnd().cell))
-        return;
-    l->setMarkEnd(p);
-    l->setMarkState(MARKSTATE_MARKED);
-    notify(KCDataViewListener::ChangedRows | KCDataViewListener::ChangedCaret);
+    m_mouse->move(x, y);
 }
 
 void KCDataViewModel::OnLButtonUp()
 {
-    if (KCDataViewLayout *l = GetBufferLayoutView())
-        l->setTracking(false);
+    m_mouse->release();
 }
 
 void KCDataViewModel::OnMouseWheel(int notches, unsigned modifiers)
 {
-    // Away from the user scrolls up. With Ctrl two pages per notch, on purpose.
-    if (modifiers & ControlModifier)
-        scrollPages(-static_cast<int64_t>(notches) * WheelCtrlPages);
-    else
-        scrollLines(-static_cast<int64_t>(notches));
+    m_mouse->wheel(notches, modifiers);
 }

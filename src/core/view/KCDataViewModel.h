@@ -7,14 +7,20 @@
 #include "view/TAG_VIEW_ROW.h"
 
 #include <cstdint>
+#include <memory>
 #include <set>
 #include <string>
 
 class KCDataDoc;
 class KCDataViewListener;
+class KCMouseController;
+class KCNavigationController;
+class KCValueEditController;
 
-// The data view without a window: the layouts and the caret, mark and scroll state of one
-// hex-editor view of the document's buffer 0, driven by keys, characters and mouse positions.
+// The data view without a window: the layouts with their cursors and the scroll state of one
+// hex-editor view of the document's buffer 0. Keys go down a chain of small controllers
+// (navigation, then value editing), characters to the value editor and the mouse to its own
+// controller; this class keeps the geometry, the scrolling and the caret's visibility.
 // A widget forwards its input here, paints the rows this model renders and follows the
 // scroll position; tests drive it directly. Every byte change goes through the document.
 // All costs depend on the window size, never on the buffer size.
@@ -49,6 +55,7 @@ public:
     // and forwards the document's updates passes false.
     void setDocument(KCDataDoc *doc, bool attach = true);
     KCDataDoc *document() const { return m_doc; }
+    KCMainProgDataExChange *host() const { return m_host; }
     void setListener(KCDataViewListener *listener) { m_listener = listener; }
 
     void OnUpdate(KCDocView *sender, long hint) override;
@@ -63,6 +70,8 @@ public:
     int SetBufferLayoutView(const std::string &name);
     int SetBufferLayoutView(int index);
     KCDataViewLayout *GetBufferLayoutView() const { return m_layouts.GetBufferLayoutView(); }
+    // The fuse-map layout counts the fuse checksum instead of the byte sum.
+    bool isFuseMapLayout() const;
     void ClearLA();
     // Device-family layouts (replacing one of the same name), followed by layoutsChanged().
     void DefineByteBufferLayoutV2(const std::string &name, int scrollFlags, int64_t first, int64_t last,
@@ -103,6 +112,7 @@ public:
     void scrollColumns(int delta);
     void scrollColumnPages(int pages);
     const ScrollSteps &lastScroll() const { return m_steps; }
+    void resetScrollSteps() { m_steps = ScrollSteps(); }
 
     // Painting: screen line 0 is the window's top; top-list rows first, then the body from
     // the first visible line. Reusing one row object keeps painting free of allocations.
@@ -150,12 +160,13 @@ public:
     uint64_t modifiedByteCount() const;
 
 private:
+    friend class KCMouseController;
+    friend class KCNavigationController;
+    friend class KCValueEditController;
+
     void notify(unsigned changes);
+    // Puts the caret at `to` and brings it into view.
     void moveCaret(const TAG_VIEW_POSITION &to);
-    bool tabSearch(bool forward);
-    void extendMark(Key key);
-    // Home/End and Control with Home, End, Up and Down: jumps by row, buffer and data block.
-    bool jump(Key key, bool control);
     void ensureCaretVisible();
     void setFirstLine(int64_t line);
     void setFirstColumn(int column);
@@ -183,4 +194,7 @@ private:
     // Typing always overwrites; the mode is the paste's. The Insert key's state starts at zero,
     // which is insert mode; pressing it toggles to overwrite.
     bool m_insertMode = true;
+    std::unique_ptr<KCNavigationController> m_navigation;
+    std::unique_ptr<KCValueEditController> m_valueEdit;
+    std::unique_ptr<KCMouseController> m_mouse;
 };

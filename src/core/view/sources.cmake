@@ -1,4 +1,5 @@
 list(APPEND KRLDV_CORE_SOURCES
+  view/KCDataViewCursor.cpp
   view/KCDataViewLayout.cpp
   view/KCDataViewLayoutSet.cpp
   view/KCClipboardController.cpp
@@ -6,6 +7,9 @@ list(APPEND KRLDV_CORE_SOURCES
   view/KCDataViewModel.cpp
   view/KCIndexedColor.cpp
   view/KCKrlBinary.cpp
+  view/KCMouseController.cpp
+  view/KCNavigationController.cpp
+  view/KCValueEditController.cpp
   view/KCEditPatternState.cpp
   view/KCEditFieldModel.cpp
   view/KCEditByteModel.cpp

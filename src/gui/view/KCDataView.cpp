@@ -3,7 +3,6 @@
 #include "doc/KCDataDoc.h"
 #include "view/KCDataViewLayout.h"
 #include "view/KCIndexedColor.h"
-#include "doc/KCLayoutNames.h"
 
 #include <QApplication>
 #include <QFocusEvent>
@@ -100,11 +99,11 @@ void KCDataView::OnInitialUpdate()
 
 bool KCDataView::SetBufferLayoutView(const std::string &layoutName)
 {
-    const bool wasFuseMap = m_model.GetBufferLayoutName() == LAYOUT_JEDVIEW;
+    const bool wasFuseMap = m_model.isFuseMapLayout();
     if (!m_model.SetBufferLayoutView(layoutName))
         return false;
     // The fuse-map layout counts another checksum; the status bar must show the one that fits.
-    const bool isFuseMap = m_model.GetBufferLayoutName() == LAYOUT_JEDVIEW;
+    const bool isFuseMap = m_model.isFuseMapLayout();
     if (wasFuseMap != isFuseMap && isChecksumView())
         m_doc->ComputeCheckSum(-1);
     emitCaret();
@@ -163,7 +162,7 @@ QString KCDataView::caretAddressText() const
     if (!l || !c.isValid() || c.address < 0)
         return QString();
     const QChar zero(QLatin1Char('0'));
-    if (l->name() == LAYOUT_WORDVIEW)
+    if (l->kind() == KCDataViewLayout::Kind::Words)
         return QString::number(c.address >> WordAddressShift, HexBase)
             .toUpper()
             .rightJustified(PlainAddressDigits, zero);
@@ -184,7 +183,7 @@ int KCDataView::caretScreenLine() const
 {
     const KCDataViewLayout *l = m_model.GetBufferLayoutView();
     const TAG_VIEW_POSITION c = m_model.caret();
-    if (!l || !c.isValid() || l->markState() != MARKSTATE_NONE)
+    if (!l || !c.isValid() || l->cursor().isMarked())
         return -1;
     const int64_t offset = c.line - m_model.firstVisibleLine();
     // The partly visible line under the last whole one counts too.
@@ -382,7 +381,7 @@ void KCDataView::mouseMoveEvent(QMouseEvent *event)
     m_dragPos = event->position().toPoint();
     followDrag();
     if (bodyRect().contains(m_dragPos) || !m_model.GetBufferLayoutView() ||
-        !m_model.GetBufferLayoutView()->isTracking())
+        !m_model.GetBufferLayoutView()->cursor().isTracking())
         m_dragTimer.stop();
     else if (!m_dragTimer.isActive())
         m_dragTimer.start();
@@ -403,7 +402,7 @@ void KCDataView::dragStep()
 {
     const KCDataViewLayout *l = m_model.GetBufferLayoutView();
     const QRect body = bodyRect();
-    if (!l || !l->isTracking() || body.isEmpty()) {
+    if (!l || !l->cursor().isTracking() || body.isEmpty()) {
         m_dragTimer.stop();
         return;
     }

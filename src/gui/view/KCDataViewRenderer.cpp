@@ -86,6 +86,10 @@ void KCDataViewRenderer::loadColours()
     take(CaretLine, KCIndexedColor::BlackOnLavender);
     take(Modified, KCIndexedColor::BlackOnBrown);
     take(Gap, table.GetIndexOf(KCIndexedColor::GapText, KCIndexedColor::GapBackground));
+    // Fill on the caret's row keeps the row's background but stays dimmed.
+    uint32_t lineText = 0, lineBack = 0;
+    table.GetColorOf(KCIndexedColor::BlackOnLavender, lineText, lineBack);
+    take(CaretLineGap, table.GetIndexOf(KCIndexedColor::GapText, lineBack));
     table.GetColorOf(KCIndexedColor::Window, text, back);
     table.MixWith(KCIndexedColor::WindowGrey, text, back, HeaderGreyShare);
     m_text[Header] = toQColor(text);
@@ -97,7 +101,7 @@ KCDataViewRenderer::Role KCDataViewRenderer::roleOf(uint8_t state, Role rowRole)
     switch (state) {
     case VCS_MARKED: return Marked;
     case VCS_MODIFIED: return Modified;
-    case VCS_GAP: return rowRole == CaretLine ? CaretLine : Gap;
+    case VCS_GAP: return rowRole == CaretLine ? CaretLineGap : Gap;
     default: return rowRole;
     }
 }

@@ -25,7 +25,8 @@ public:
     //   Marked     pair 2 (white on blue): bytes inside the mark
     //   CaretLine  pair 3 (black on lavender): the row the caret stands on
     //   Modified   pair 4 (black on brown): bytes typed since the buffer last matched its file
-    enum Role { Normal, Header, Marked, CaretLine, Modified, Gap, RoleCount };
+    //   Gap, CaretLineGap  grey text on a pale (or the caret row's) background: fill between data
+    enum Role { Normal, Header, Marked, CaretLine, Modified, Gap, CaretLineGap, RoleCount };
 
     // Where the caret is drawn, in screen characters; `bar` draws a thin bar (insert mode)
     // instead of a block.

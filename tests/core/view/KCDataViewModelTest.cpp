@@ -409,3 +409,25 @@ TEST_F(DataView, GapsBetweenDataShowAsGapsUntilWritten)
     EXPECT_EQ(row.state[22], VCS_DATA);
     EXPECT_EQ(row.state[25], VCS_GAP);
 }
+
+// A device layout shows its addresses shifted; Go To takes them as shown.
+TEST_F(DataView, GoToTakesADeviceLayoutsShiftedAddresses)
+{
+    view->DefineByteBufferLayoutV2("DEVICE", 0, 0, 0xFF, 0x1000);
+    ASSERT_EQ(view->SetBufferLayoutView("DEVICE"), 1);
+    EXPECT_TRUE(view->goToDisplayAddress(0x1042));
+    EXPECT_EQ(caretAddress(), 0x42);
+    EXPECT_FALSE(view->goToDisplayAddress(0x42)); // below the first address shown
+    EXPECT_FALSE(view->goToDisplayAddress(0x1100));
+    EXPECT_EQ(caretAddress(), 0x42);
+    // A mark made here stays with this layout.
+    keys(KCDataViewModel::KeyRight, 2, KCDataViewModel::ShiftModifier);
+    int64_t low = 0, high = 0;
+    ASSERT_TRUE(view->markRange(low, high));
+    ASSERT_EQ(view->SetBufferLayoutView(LAYOUT_BYTEVIEW), 1);
+    EXPECT_FALSE(view->markRange(low, high));
+    ASSERT_EQ(view->SetBufferLayoutView("DEVICE"), 1);
+    ASSERT_TRUE(view->markRange(low, high));
+    EXPECT_EQ(low, 0x42);
+    EXPECT_EQ(high, 0x44);
+}

@@ -2,6 +2,7 @@
 #include "KCAppHost.h"
 #include "doc/KCDataDoc.h"
 #include "KCDataView.h"
+#include "KCDataViewRenderer.h"
 #include "KCFileDialog.h"
 #include "KCLoadSaveCombo.h"
 #include "KCMainFrame.h"
@@ -16,6 +17,7 @@
 #include <QMimeData>
 #include <QTimer>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPushButton>
@@ -291,4 +293,100 @@ TEST_F(ImageShapeApp, EditCommandsByTheirKeys)
     EXPECT_EQ(doc->GetData(0), 4);
     QTest::keyClick(view, Qt::Key_End, Qt::ControlModifier);
     EXPECT_EQ(view->model().caret().address, 31);
+
+    // Drag over bytes 2..5 of the second row with the mouse, copy, then paste over the first
+    // row's start after Insert switched pasting to overwrite: nothing moves.
+    const int cw = view->renderer().charWidth();
+    const int pitch = view->renderer().linePitch();
+    const auto cell = [&](int byte, int row) {
+        const int column = 10 + 3 * byte; // the byte layout's hex columns
+        return QPoint(column * cw + cw / 2, (view->model().topLineCount() + row) * pitch + pitch / 2);
+    };
+    QTest::mousePress(view->viewport(), Qt::LeftButton, {}, cell(2, 1));
+    QTest::mouseMove(view->viewport(), cell(5, 1));
+    QTest::mouseRelease(view->viewport(), Qt::LeftButton, {}, cell(5, 1));
+    QTest::keyClick(view, Qt::Key_C, Qt::ControlModifier);
+    QTest::keyClick(view, Qt::Key_Home, Qt::ControlModifier);
+    QTest::keyClick(view, Qt::Key_Insert);
+    EXPECT_FALSE(view->model().isInsertMode());
+    const uint8_t last = doc->GetData(31);
+    QTest::keyClick(view, Qt::Key_V, Qt::ControlModifier);
+    for (int i = 0; i < 4; ++i)
+        EXPECT_EQ(doc->GetData(uint32_t(i)), doc->GetData(uint32_t(0x12 + i))) << i;
+    EXPECT_EQ(doc->GetData(4), 8);
+    EXPECT_EQ(doc->GetData(31), last);
+    int64_t low = 0, high = 0;
+    ASSERT_TRUE(view->model().markRange(low, high)); // the pasted bytes end marked
+    EXPECT_EQ(low, 0);
+    EXPECT_EQ(high, 3);
+}
+
+// Ctrl+G opens Go To; the address is typed as the view shows it, and one past the buffer is
+// refused with the caret left where it was.
+TEST_F(ImageShapeApp, GoToAddressByItsKeys)
+{
+    ASSERT_TRUE(frame->openFile(write("goto.bin", QByteArray(0x100, '\x11'))));
+    KCDataView *view = frame->currentView();
+    QApplication::setActiveWindow(frame.get());
+    view->setFocus();
+    auto answer = [](const QString &text) {
+        QTimer::singleShot(0, [text] {
+            QWidget *dialog = QApplication::activeModalWidget();
+            ASSERT_NE(dialog, nullptr);
+            auto *edit = dialog->findChild<QLineEdit *>();
+            ASSERT_NE(edit, nullptr);
+            edit->selectAll();
+            QTest::keyClicks(edit, text);
+            QTest::keyClick(edit, Qt::Key_Return);
+        });
+    };
+    QStringList warnings;
+    auto dismissWarning = [&warnings] {
+        QTimer::singleShot(50, [&warnings] {
+            if (QWidget *box = QApplication::activeModalWidget()) {
+                warnings << box->findChild<QLabel *>("qt_msgbox_label")->text();
+                QTest::keyClick(box, Qt::Key_Return);
+            }
+        });
+    };
+
+    // The window is active again after each dialog, as it is for the user.
+    auto goTo = [&] {
+        QApplication::setActiveWindow(frame.get());
+        view->setFocus();
+        QTest::keyClick(view, Qt::Key_G, Qt::ControlModifier);
+    };
+    answer("a7");
+    goTo();
+    EXPECT_EQ(view->model().caret().address, 0xA7);
+
+    // In the word view the address counts words.
+    ASSERT_TRUE(view->SetBufferLayoutView("WORDVIEW"));
+    answer("10");
+    goTo();
+    EXPECT_EQ(view->model().caret().address, 0x20);
+    ASSERT_TRUE(view->SetBufferLayoutView("BYTEVIEW"));
+
+    answer("100");
+    dismissWarning();
+    goTo();
+    EXPECT_EQ(view->model().caret().address, 0xA7);
+    ASSERT_EQ(warnings.size(), 1);
+    EXPECT_TRUE(warnings[0].contains("100 is no address of this buffer"));
+}
+
+// The undo memory is a setting; with it off a change leaves nothing to undo.
+TEST_F(ImageShapeApp, UndoMemoryIsASetting)
+{
+    frame->settings().setUndoBudgetMiB(0);
+    ASSERT_TRUE(frame->openFile(write("undo.bin", QByteArray(0x40, '\0'))));
+    KCDataView *view = frame->currentView();
+    QApplication::setActiveWindow(frame.get());
+    view->setFocus();
+    QTest::keyClicks(view, "AB");
+    EXPECT_EQ(frame->document()->GetData(0), 0xAB);
+    EXPECT_FALSE(frame->action(QKeySequence::Undo)->isEnabled());
+    frame->settings().save();
+    EXPECT_EQ(KCAppSettings(dir.filePath("korel5.ini")).undoBudgetMiB(), 0u);
+    EXPECT_EQ(KCAppSettings(dir.filePath("korel5-none.ini")).undoBudgetMiB(), KCAppSettings::DefaultUndoBudgetMiB);
 }
