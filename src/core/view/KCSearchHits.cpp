@@ -10,6 +10,13 @@ void KCSearchHits::clear()
     m_rangesCut = false;
 }
 
+bool KCSearchHits::overlaps(uint64_t first, uint64_t last) const
+{
+    auto it = std::upper_bound(m_ranges.begin(), m_ranges.end(), last,
+                               [](uint64_t a, const Range &r) { return a < r.first; });
+    return it != m_ranges.begin() && std::prev(it)->last >= first;
+}
+
 bool KCSearchHits::contains(uint64_t address) const
 {
     auto it = std::upper_bound(m_ranges.begin(), m_ranges.end(), address,

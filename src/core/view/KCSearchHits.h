@@ -50,6 +50,8 @@ public:
     void setListLimit(size_t limit) { m_listLimit = limit; }
     // Whether the byte at `address` belongs to a coloured hit.
     bool contains(uint64_t address) const;
+    // Whether any coloured hit touches first..last.
+    bool overlaps(uint64_t first, uint64_t last) const;
 
 private:
     size_t m_listLimit;
