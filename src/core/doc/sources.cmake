@@ -1,4 +1,5 @@
 list(APPEND KRLDV_CORE_SOURCES
+  doc/KCAlgoKeys.cpp
   doc/KCDataDoc.cpp
   doc/KCDataDocSerial.cpp
   doc/KCDataDocSerialize.cpp

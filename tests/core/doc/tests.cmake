@@ -2,6 +2,7 @@ list(APPEND KRLDV_CORE_TEST_SOURCES
   core/doc/KCDataDocTest.cpp
   core/doc/KCDataDocSerialTest.cpp
   core/doc/KCSerialSettingsTest.cpp
+  core/doc/KCAlgoKeysTest.cpp
   core/doc/KCDataDocChecksumTest.cpp
   core/doc/KCImageShapeTest.cpp
   core/doc/KCUndoTest.cpp

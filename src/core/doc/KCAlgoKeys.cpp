@@ -1,0 +1,300 @@
+#include "doc/KCAlgoKeys.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr const char *KeyKnN = "KN_N";
+constexpr const char *KeyScN = "SC_N";
+constexpr size_t ValueBytes = 4;
+constexpr size_t SlotBytes = 2;
+
+struct FixedField
+{
+    const char *key;
+    size_t offset;
+};
+
+// Keys that name fields of the record's fixed part.
+constexpr FixedField FixedFields[] = {
+    {"BSA", offsetof(TAG_UI_ALGODATA_KRL3, BSA)},
+    {"BEA", offsetof(TAG_UI_ALGODATA_KRL3, BEA)},
+    {"DSA", offsetof(TAG_UI_ALGODATA_KRL3, DSA)},
+    {"DEA", offsetof(TAG_UI_ALGODATA_KRL3, DEA)},
+    {"DMA", offsetof(TAG_UI_ALGODATA_KRL3, DMA)},
+    {"BUFSIZE", offsetof(TAG_UI_ALGODATA_KRL3, bufferSize)},
+    {"ADROFS", offsetof(TAG_UI_ALGODATA_KRL3, addressOffset)},
+    {"ALGOFLAGS", offsetof(TAG_UI_ALGODATA_KRL3, algoFlags)},
+};
+
+uint32_t readLe32(const uint8_t *p)
+{
+    return uint32_t(p[0]) | uint32_t(p[1]) << 8 | uint32_t(p[2]) << 16 | uint32_t(p[3]) << 24;
+}
+
+void writeLe32(uint8_t *p, uint32_t v)
+{
+    for (size_t i = 0; i < ValueBytes; ++i)
+        p[i] = uint8_t(v >> (8 * i));
+}
+
+uint16_t readLe16(const uint8_t *p)
+{
+    return uint16_t(p[0] | p[1] << 8);
+}
+
+void writeLe16(uint8_t *p, uint16_t v)
+{
+    p[0] = uint8_t(v);
+    p[1] = uint8_t(v >> 8);
+}
+
+// The zero-terminated name at p, or nullptr when it runs past `end`.
+const uint8_t *nameEnd(const uint8_t *p, const uint8_t *end)
+{
+    const void *zero = std::memchr(p, 0, size_t(end - p));
+    return static_cast<const uint8_t *>(zero);
+}
+
+} // namespace
+
+bool KCAlgoKeys::isFixedNumericKey(const std::string &key)
+{
+    for (const FixedField &f : FixedFields)
+        if (key == f.key)
+            return true;
+    return false;
+}
+
+uint32_t *KCAlgoKeys::fixedField(const std::string &key) const
+{
+    for (const FixedField &f : FixedFields)
+        if (key == f.key)
+            return reinterpret_cast<uint32_t *>(reinterpret_cast<uint8_t *>(&m_record) + f.offset);
+    return nullptr;
+}
+
+char *KCAlgoKeys::textField(const std::string &key) const
+{
+    if (key == "COM_T")
+        return m_record.COM_T;
+    if (key == "MCU_T")
+        return m_record.MCU_T;
+    if (key == "CPD_T")
+        return m_record.CPD_T;
+    if (key == "ENV_T")
+        return m_record.ENV_T;
+    if (key == "ADP_T")
+        return m_record.ADP_T;
+    return nullptr;
+}
+
+bool KCAlgoKeys::table(uint16_t offset, uint16_t size, const uint8_t *&begin, const uint8_t *&end) const
+{
+    if (offset >= ALGODATA_VARIABLE_BYTES)
+        return false;
+    begin = m_record.variable + offset;
+    end = begin + std::min<size_t>(size, ALGODATA_VARIABLE_BYTES - offset);
+    return true;
+}
+
+uint32_t KCAlgoKeys::numeric(const std::string &key, bool *found) const
+{
+    if (found)
+        *found = false;
+    if (const uint32_t *field = fixedField(key)) {
+        uint32_t v;
+        std::memcpy(&v, field, sizeof v);
+        if (found)
+            *found = true;
+        return v;
+    }
+    const bool knN = key == KeyKnN;
+    if (knN || key == KeyScN) {
+        const uint16_t present = knN ? m_record.knNPresent : m_record.scNPresent;
+        const uint16_t offset = knN ? m_record.knNOffset : m_record.scNOffset;
+        if (present && offset + SlotBytes <= ALGODATA_VARIABLE_BYTES) {
+            if (found)
+                *found = true;
+            return readLe16(m_record.variable + offset);
+        }
+    }
+    const uint8_t *p, *end;
+    if (!table(m_record.numKeyTableOffset, m_record.numKeyTableSize, p, end))
+        return 0;
+    while (p < end) {
+        const uint8_t *zero = nameEnd(p, end);
+        if (!zero || zero + 1 + ValueBytes > end)
+            break;
+        if (size_t(zero - p) == key.size() && std::memcmp(p, key.data(), key.size()) == 0) {
+            if (found)
+                *found = true;
+            return readLe32(zero + 1);
+        }
+        p = zero + 1 + ValueBytes;
+    }
+    return 0;
+}
+
+bool KCAlgoKeys::setNumeric(const std::string &key, uint32_t value)
+{
+    if (uint32_t *field = fixedField(key)) {
+        std::memcpy(field, &value, sizeof value);
+        return true;
+    }
+    const bool knN = key == KeyKnN;
+    if (knN || key == KeyScN) {
+        const uint16_t present = knN ? m_record.knNPresent : m_record.scNPresent;
+        const uint16_t offset = knN ? m_record.knNOffset : m_record.scNOffset;
+        if (present && offset + SlotBytes <= ALGODATA_VARIABLE_BYTES) {
+            writeLe16(m_record.variable + offset, uint16_t(value));
+            return true;
+        }
+    }
+    const uint8_t *p, *end;
+    if (!table(m_record.numKeyTableOffset, m_record.numKeyTableSize, p, end))
+        return false;
+    while (p < end) {
+        const uint8_t *zero = nameEnd(p, end);
+        if (!zero || zero + 1 + ValueBytes > end)
+            break;
+        if (size_t(zero - p) == key.size() && std::memcmp(p, key.data(), key.size()) == 0) {
+            writeLe32(const_cast<uint8_t *>(zero + 1), value);
+            return true;
+        }
+        p = zero + 1 + ValueBytes;
+    }
+    return false;
+}
+
+bool KCAlgoKeys::text(const std::string &key, std::string &value) const
+{
+    if (const char *field = textField(key)) {
+        if (!field[0])
+            return false;
+        value.assign(field, strnlen(field, ALGODATA_TEXT_FIELD_BYTES));
+        return true;
+    }
+    const uint8_t *p, *end;
+    if (!table(m_record.textKeyTableOffset, m_record.textKeyTableSize, p, end))
+        return false;
+    while (p < end) {
+        const uint8_t *zero = nameEnd(p, end);
+        if (!zero)
+            break;
+        const uint8_t *valueEnd = nameEnd(zero + 1, end);
+        if (!valueEnd)
+            break;
+        if (size_t(zero - p) == key.size() && std::memcmp(p, key.data(), key.size()) == 0) {
+            value.assign(reinterpret_cast<const char *>(zero + 1), size_t(valueEnd - zero - 1));
+            return true;
+        }
+        p = valueEnd + 1;
+    }
+    return false;
+}
+
+bool KCAlgoKeys::build(const NumericKeys &numericKeys, const TextKeys &textKeys)
+{
+    std::memset(m_record.COM_T, 0, ALGODATA_TEXT_FIELD_BYTES * ALGODATA_TEXT_FIELD_COUNT);
+    std::memset(&m_record.numKeyTableOffset, 0, ALGODATA_RECORD_BYTES - ALGODATA_TABLE_OFFSETS);
+    uint8_t *area = m_record.variable;
+    size_t used = 0;
+    const auto put = [&](const void *bytes, size_t n) {
+        if (used + n > ALGODATA_VARIABLE_BYTES)
+            return false;
+        std::memcpy(area + used, bytes, n);
+        used += n;
+        return true;
+    };
+    bool fits = true;
+
+    // The numeric table first, then the two u16 slots, then the text table.
+    m_record.numKeyTableOffset = uint16_t(used);
+    for (const auto &[key, value] : numericKeys) {
+        if (key.empty() || key == KeyKnN || key == KeyScN || isFixedNumericKey(key))
+            continue;
+        uint8_t v[ValueBytes];
+        writeLe32(v, value);
+        fits = fits && put(key.c_str(), key.size() + 1) && put(v, ValueBytes);
+    }
+    m_record.numKeyTableSize = uint16_t(used - m_record.numKeyTableOffset);
+    for (const auto &[key, value] : numericKeys) {
+        if (uint32_t *field = fixedField(key)) {
+            std::memcpy(field, &value, sizeof value);
+            continue;
+        }
+        if (key != KeyKnN && key != KeyScN)
+            continue;
+        uint8_t v[SlotBytes];
+        writeLe16(v, uint16_t(value));
+        const uint16_t at = uint16_t(used);
+        fits = fits && put(v, SlotBytes);
+        (key == KeyKnN ? m_record.knNOffset : m_record.scNOffset) = at;
+        (key == KeyKnN ? m_record.knNPresent : m_record.scNPresent) = 1;
+    }
+    m_record.textKeyTableOffset = uint16_t(used);
+    for (const auto &[key, value] : textKeys) {
+        if (char *field = textField(key)) {
+            const size_t n = std::min(value.size(), ALGODATA_TEXT_FIELD_BYTES - 1);
+            std::memcpy(field, value.data(), n);
+            fits = fits && n == value.size();
+            continue;
+        }
+        fits = fits && !key.empty() && put(key.c_str(), key.size() + 1) && put(value.c_str(), value.size() + 1);
+    }
+    m_record.textKeyTableSize = uint16_t(used - m_record.textKeyTableOffset);
+    if (!fits) {
+        std::memset(m_record.COM_T, 0, ALGODATA_TEXT_FIELD_BYTES * ALGODATA_TEXT_FIELD_COUNT);
+        std::memset(&m_record.numKeyTableOffset, 0, ALGODATA_RECORD_BYTES - ALGODATA_TABLE_OFFSETS);
+    }
+    return fits;
+}
+
+KCAlgoKeys::NumericKeys KCAlgoKeys::numericKeys() const
+{
+    NumericKeys keys;
+    const uint8_t *p, *end;
+    if (table(m_record.numKeyTableOffset, m_record.numKeyTableSize, p, end)) {
+        while (p < end) {
+            const uint8_t *zero = nameEnd(p, end);
+            if (!zero || zero + 1 + ValueBytes > end)
+                break;
+            keys.emplace_back(std::string(reinterpret_cast<const char *>(p), size_t(zero - p)), readLe32(zero + 1));
+            p = zero + 1 + ValueBytes;
+        }
+    }
+    for (const char *slot : {KeyKnN, KeyScN}) {
+        bool found = false;
+        const uint32_t v = numeric(slot, &found);
+        if (found)
+            keys.emplace_back(slot, v);
+    }
+    return keys;
+}
+
+KCAlgoKeys::TextKeys KCAlgoKeys::textKeys() const
+{
+    TextKeys keys;
+    for (const char *field : {"COM_T", "MCU_T", "CPD_T", "ENV_T", "ADP_T"}) {
+        std::string v;
+        if (text(field, v))
+            keys.emplace_back(field, v);
+    }
+    const uint8_t *p, *end;
+    if (!table(m_record.textKeyTableOffset, m_record.textKeyTableSize, p, end))
+        return keys;
+    while (p < end) {
+        const uint8_t *zero = nameEnd(p, end);
+        if (!zero)
+            break;
+        const uint8_t *valueEnd = nameEnd(zero + 1, end);
+        if (!valueEnd)
+            break;
+        keys.emplace_back(std::string(reinterpret_cast<const char *>(p), size_t(zero - p)),
+                          std::string(reinterpret_cast<const char *>(zero + 1), size_t(valueEnd - zero - 1)));
+        p = valueEnd + 1;
+    }
+    return keys;
+}
