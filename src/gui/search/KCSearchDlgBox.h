@@ -32,6 +32,8 @@ public:
         IDC_EDIT_BYTE = 2615, IDC_EDIT_CHAR = 2616, IDC_EDIT_WORD = 2617,
         // The worker's "done" message and the progress timer.
         WM_SEARCH_DONE = 1026, IDT_PROGRESS = 105,
+        // The view's search command that opens the dialog.
+        ID_EDIT_SEARCH = 32806,
     };
     static constexpr int ProgressIntervalMs = 250;
     // Bytes of the buffer shown after each hit in the list.

@@ -190,3 +190,21 @@ TEST_F(SearchDialog, StopEndsARunningSearch)
     EXPECT_LT(dlg->model().hits().count(), Size);
     EXPECT_TRUE(dlg->button("findAll")->isEnabled());
 }
+
+TEST_F(SearchDialog, F3AndShiftF3RepeatTheLastPatternFromTheCaret)
+{
+    open(0x100, 0x00);
+    for (uint32_t a : {0x20u, 0x60u})
+        doc->SetData(0x5A, a);
+    KCEditPatternState::shared().setBytes({0x5A});
+    dlg.reset();
+    ASSERT_TRUE(view->model().setCaretAddress(0x30));
+    int64_t low = 0, high = 0;
+    ASSERT_TRUE(KCSearchDlgBox::FindAgain(view.get(), true));
+    ASSERT_TRUE(view->model().markRange(low, high));
+    EXPECT_EQ(low, 0x60);
+    EXPECT_FALSE(KCSearchDlgBox::FindAgain(view.get(), true)); // nothing after it
+    ASSERT_TRUE(KCSearchDlgBox::FindAgain(view.get(), false));
+    ASSERT_TRUE(view->model().markRange(low, high));
+    EXPECT_EQ(low, 0x20);
+}
