@@ -51,7 +51,7 @@ int KCEdit_Base::cellWidth() const
 int KCEdit_Base::xOfColumn(int column) const
 {
     const int cpb = m_model->columnsPerByte();
-    return contentsRect().left() + static_cast<int>(KCEditColumns::floorDiv(column, cpb)) * cellWidth() +
+    return contentsRect().left() + slotX(static_cast<int>(KCEditColumns::floorDiv(column, cpb))) +
            KCEditColumns::floorMod(column, cpb) * charWidth();
 }
 
@@ -59,14 +59,21 @@ int KCEdit_Base::columnAt(int x) const
 {
     const int cpb = m_model->columnsPerByte();
     const int rel = x - contentsRect().left();
-    const int cell = static_cast<int>(KCEditColumns::floorDiv(rel, cellWidth()));
-    const int within = std::min(cpb - 1, KCEditColumns::floorMod(rel, cellWidth()) / charWidth());
-    return cell * cpb + within;
+    if (rel < 0)
+        return -1;
+    int slot = 0;
+    while (slotX(slot + 1) <= rel)
+        ++slot;
+    const int within = std::min(cpb - 1, (rel - slotX(slot)) / charWidth());
+    return slot * cpb + within;
 }
 
 int KCEdit_Base::visibleColumns() const
 {
-    return contentsRect().width() / cellWidth() * m_model->columnsPerByte();
+    int count = 0;
+    while (slotX(count + 1) <= contentsRect().width())
+        ++count;
+    return count * m_model->columnsPerByte();
 }
 
 void KCEdit_Base::paintEvent(QPaintEvent *event)
@@ -79,7 +86,7 @@ void KCEdit_Base::paintEvent(QPaintEvent *event)
     const int cpb = m_model->columnsPerByte();
     const int textTop = area.top();
     const int h = area.height();
-    for (int slot = 0; slot * cellWidth() < area.width(); ++slot) {
+    for (int slot = 0; slotX(slot) < area.width(); ++slot) {
         const int column = slot * cpb;
         const int64_t index = m_model->indexOfColumn(column);
         const int x = xOfColumn(column);
@@ -87,7 +94,7 @@ void KCEdit_Base::paintEvent(QPaintEvent *event)
             continue; // the background brush shows, also in the cell after the last byte
         const QRect textRect(x, textTop, cpb * charWidth(), h);
         if (state.isMarked(index)) {
-            p.fillRect(QRect(x, textTop, cellWidth(), h), palette().brush(QPalette::Highlight));
+            p.fillRect(QRect(x, textTop, slotX(slot + 1) - slotX(slot), h), palette().brush(QPalette::Highlight));
             p.fillRect(textRect, Qt::white);
             p.setPen(Qt::black);
         } else {

@@ -36,6 +36,8 @@ protected:
     KCEdit_Base(std::unique_ptr<KCEditFieldModel> model, QWidget *parent);
     // Extra pixels after each byte's characters.
     virtual int cellPadding() const { return 0; }
+    // The x of a byte slot from the text's left edge: cells of equal width unless overridden.
+    virtual int slotX(int slot) const { return slot * cellWidth(); }
     // What the byte at `index` shows.
     virtual QString cellText(uint8_t byte) const = 0;
     int charWidth() const;

@@ -6,8 +6,9 @@ namespace {
 
 constexpr int HexBase = 16;
 constexpr int ByteDigits = 2;
-// Cells as wide as the byte field's.
-constexpr int CellPadding = 3;
+// Gap after each pair of bytes.
+constexpr int PairGap = 6;
+constexpr int PairBytes = 2;
 
 } // namespace
 
@@ -33,7 +34,13 @@ bool KCEdit_Word::byteSwap() const
 
 int KCEdit_Word::cellPadding() const
 {
-    return CellPadding;
+    return 0;
+}
+
+int KCEdit_Word::slotX(int slot) const
+{
+    const int pairWidth = PairBytes * cellWidth() + PairGap;
+    return (slot / PairBytes) * pairWidth + (slot % PairBytes) * cellWidth();
 }
 
 QString KCEdit_Word::cellText(uint8_t byte) const

@@ -17,6 +17,8 @@ public:
 
 protected:
     int cellPadding() const override;
+    // A pair's two bytes touch; the gap comes after the pair.
+    int slotX(int slot) const override;
     QString cellText(uint8_t byte) const override;
 
 private:

@@ -56,6 +56,7 @@ KCSearchDlgBox::KCSearchDlgBox(KCDataView *view, QWidget *parent)
     m_fields->addWidget(placeholder(IDC_PLACE_CHAR, this), 1, 1);
     m_fields->addWidget(new QLabel(tr("&Words:"), this), 2, 0);
     m_fields->addWidget(placeholder(IDC_PLACE_WORD, this), 2, 1);
+    m_fields->setColumnStretch(1, 1);
 
     auto *options = new QHBoxLayout;
     const auto check = [this, options](const QString &name, const QString &text) {
@@ -137,8 +138,12 @@ bool KCSearchDlgBox::OnInitDialog()
                             : place.second == IDC_EDIT_CHAR ? static_cast<KCEdit_Base *>(new KCEdit_Char(this))
                                                             : static_cast<KCEdit_Base *>(new KCEdit_Word(this));
         edit->setProperty(ControlIdProperty, place.second);
+        int row = 0, column = 0, rows = 0, columns = 0;
+        m_fields->getItemPosition(m_fields->indexOf(old), &row, &column, &rows, &columns);
         delete m_fields->replaceWidget(old, edit);
         delete old;
+        if (auto *label = qobject_cast<QLabel *>(m_fields->itemAtPosition(row, 0)->widget()))
+            label->setBuddy(edit);
         edit->setVisible(true);
         edit->setEnabled(true);
     }
