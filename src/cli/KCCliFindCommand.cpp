@@ -18,6 +18,7 @@ constexpr uint64_t AddressMax = 0xFFFFFFFFull;
 constexpr unsigned WordAlignment = 2;
 constexpr unsigned ByteBits = 8;
 constexpr unsigned ByteMask = 0xFF;
+constexpr int HexBase = 16;
 
 int hexDigit(char c)
 {
@@ -69,7 +70,7 @@ bool KCCliFindCommand::parseHexBytes(const std::string &text, std::vector<uint8_
             return false;
         for (; i < end; i += 2) {
             const int hi = hexDigit(text[i]);
-            bytes.push_back(static_cast<uint8_t>(i + 1 < end ? hi * 16 + hexDigit(text[i + 1]) : hi));
+            bytes.push_back(static_cast<uint8_t>(i + 1 < end ? hi * HexBase + hexDigit(text[i + 1]) : hi));
         }
         i = end;
     }

@@ -15,6 +15,8 @@
 namespace {
 
 constexpr unsigned VectorBytes = 16;
+// Candidates compared backwards between two looks at the stop flag.
+constexpr uint64_t BackwardStopCheck = 4096;
 
 #if defined(__x86_64__)
 constexpr unsigned WideBytes = 64;
@@ -173,7 +175,7 @@ int64_t cBufferSearch::previous(const uint8_t *mem, uint64_t size, int64_t s, in
         if (std::memcmp(mem + i, p, n) == 0 && i % m_alignment == 0)
             return i;
         --i;
-        if (++sinceCheck % 4096 == 0 && stopped())
+        if (++sinceCheck % BackwardStopCheck == 0 && stopped())
             return -1;
     }
     return -1;

@@ -15,6 +15,8 @@ namespace {
 constexpr int ClientShrink = 2;
 constexpr int CaretWidth = 2;
 constexpr int MinimumChars = 16;
+// Characters beyond one byte's codes cannot be typed into a pattern.
+constexpr ushort LastByteCode = 0xFF;
 
 } // namespace
 
@@ -139,7 +141,7 @@ void KCEdit_Base::keyPressEvent(QKeyEvent *event)
             return;
         }
         for (QChar c : text)
-            if (c.unicode() <= 0xFF)
+            if (c.unicode() <= LastByteCode)
                 m_model->OnChar(c.unicode());
         afterInput();
         return;
