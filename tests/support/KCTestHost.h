@@ -35,6 +35,9 @@ public:
     std::string GetLastDirectory() const override { return lastDirectory; }
     void SetLastDirectory(const std::string &dir) override { lastDirectory = dir; }
     bool ActionUi_NULL() const override { return !actionRunning; }
+    bool HasDeviceSelectWindow() const override { return deviceSelectWindow; }
+    int GetDeviceConfigMode() const override { return deviceConfigMode; }
+    bool IsDeviceTabStepSkipped() const override { return deviceTabStepSkipped; }
 
     bool RunFileDialog(KCFileDialogRequest &request) override;
     KCDocBase *OpenDocumentFile(const std::string &path) override
@@ -64,6 +67,9 @@ public:
     uint8_t fillByte = 0xFF;
     std::string lastDirectory;
     bool actionRunning = false;
+    bool deviceSelectWindow = true;
+    int deviceConfigMode = 0;
+    bool deviceTabStepSkipped = false;
 
 private:
     KCHostStringTable m_strings;

@@ -43,6 +43,7 @@ struct DEVICE_KRLXDEF_ITEM
     // What a production run needs: the programming engine and its name for the chip.
     std::string engine;
     std::string engineChip;
+    std::string engineEmulation; // the engine's emulated chip of that kind, for tests without hardware
 
     bool operator==(const DEVICE_KRLXDEF_ITEM &o) const
     {
@@ -52,6 +53,6 @@ struct DEVICE_KRLXDEF_ITEM
                optionType == o.optionType && familyName == o.familyName && layout == o.layout &&
                defaultFileType == o.defaultFileType && fuseCount == o.fuseCount && optionBytes == o.optionBytes &&
                numericKeys == o.numericKeys && textKeys == o.textKeys && engine == o.engine &&
-               engineChip == o.engineChip;
+               engineChip == o.engineChip && engineEmulation == o.engineEmulation;
     }
 };

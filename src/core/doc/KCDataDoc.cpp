@@ -1,6 +1,7 @@
 #include "doc/KCDataDoc.h"
 
 #include "doc/KCDocView.h"
+#include "doc/KCSelectDeviceNoneCtrl.h"
 #include "host/KCHostStrings.h"
 #include "host/KCMainProgDataExChange.h"
 #include "host/KCFormat.h"
@@ -80,6 +81,7 @@ KCDataDoc::KCDataDoc() : m_host(g_pMainProgDataExChange), m_serial(g_pMainProgDa
     main.number = 0;
     m_viewItems.push_back(main);
     defineWholeBuffer();
+    m_selectDeviceCtrl = std::make_unique<KCSelectDeviceNoneCtrl>(this);
 }
 
 KCDataDoc::~KCDataDoc() = default;

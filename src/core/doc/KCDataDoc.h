@@ -19,6 +19,7 @@
 #include <vector>
 
 class KCArchive;
+class KCSelectDeviceCtrlBase;
 class KCSerialDefCtrl;
 struct KCFileDialogRequest;
 class KCMainProgDataExChange;
@@ -28,6 +29,7 @@ enum : long {
     DOCHINT_ALL = 0,           // redraw everything
     DOCHINT_MODIFIED_FLAG = 1, // only the modified state changed
     DOCHINT_DATA = 2,          // buffer bytes changed
+    DOCHINT_DEVICE = 3,        // a device was selected or deselected: layouts follow it
 };
 
 // The programmer-buffer document: owns the device's buffers (through cAlgoParam), the
@@ -202,6 +204,15 @@ public:
     void ResetDeviceItemX() { m_deviceItem = DEVICE_KRLXDEF_ITEM(); }
     const DEVICE_KRLXDEF_ITEM &GetDeviceItemX() const { return m_deviceItem; }
     int HasDeviceX() const;
+    // Binds the document to a device: buffer size, record, ranges, layouts and file type
+    // follow it. 0, and the previous configuration kept, when there is no device, no device
+    // window in the host, or a kind no control serves.
+    int selectDevice(const DEVICE_KRLXDEF_ITEM &device);
+    KCSelectDeviceCtrlBase *SelectDeviceCtrl() const { return m_selectDeviceCtrl.get(); }
+    // Back to no device; the buffer keeps its bytes.
+    int deselectDeviceItem();
+    // Defined bytes at and above `size`: what a device of that size would cut off.
+    uint64_t definedBytesFrom(uint64_t size) const;
     std::string GetDeviceName() const;
     uint32_t GetDeviceType() const;
 
@@ -232,6 +243,7 @@ private:
     int m_loadOk = 0;
     std::vector<TAG_DATADOC_VIEWITEM> m_viewItems;
     std::vector<std::unique_ptr<TAG_BUFFER_PARAM>> m_bufferParams;
+    std::unique_ptr<KCSelectDeviceCtrlBase> m_selectDeviceCtrl;
     DEVICE_KRLXDEF_ITEM m_deviceItem;
     std::unique_ptr<cAlgoParam> m_algoParam;
     int m_actionLock = 0;

@@ -136,6 +136,12 @@ void KCImagePipeline::read(KCArchive &ar, const KCFileTypeRow &row)
     }
     doc.m_gapsUnfilled = lazy;
     doc.m_loadBase = 0;
+    // A device shown at shifted addresses (flash far up) takes records from its own
+    // addresses, and saving puts them back there; a binary file has no addresses to shift.
+    const uint32_t deviceOffset = deviceFixed ? doc.m_algoParam->algoUiData().addressOffset : 0;
+    doc.m_loadBase = deviceOffset;
+    if (row.type != LS_BINARY)
+        options.rangeStart += deviceOffset;
     bool ok = loadInto(ar, *info, options);
     if (ok && lazy && !doc.m_sparse) {
         switch (askAboutSparseData(path)) {

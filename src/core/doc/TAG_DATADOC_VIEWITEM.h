@@ -6,7 +6,13 @@ struct TAG_BUFFER_PARAM;
 class KCDocView;
 
 // Kinds of document tree items.
-enum : int { VIEWITEM_KIND_MAIN = 0, VIEWITEM_KIND_BUFFERVIEW = 2 };
+enum : int {
+    VIEWITEM_KIND_MAIN = 0,
+    VIEWITEM_KIND_BUFFERVIEW = 2,
+    VIEWITEM_KIND_DEVICEHELP = 3,
+    VIEWITEM_KIND_HANDLER = 4,
+    VIEWITEM_KIND_COUNTER = 5,
+};
 
 // One item of the document's workspace tree; a buffer view when its kind is 2 and it
 // carries buffer parameters.

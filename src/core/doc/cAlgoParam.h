@@ -1,5 +1,6 @@
 #pragma once
 
+#include "doc/DEVICE_KRLXDEF_ITEM.h"
 #include "doc/TAG_UI_ALGODATA_KRL3.h"
 #include "doc/cByteBuffer.h"
 
@@ -31,6 +32,13 @@ public:
     void setDeviceName(const std::string &name) { m_deviceName = name; }
     uint32_t deviceType() const { return m_deviceType; }
     void setDeviceType(uint32_t type) { m_deviceType = type; }
+
+    // Fills the parameter record for a device: its ranges, width, offset, option bytes and
+    // keys; the device range becomes valid. False (record cleared, range invalid) when the
+    // device's keys do not fit the record.
+    bool CfgAlgoDataOnDeviceSelect(const DEVICE_KRLXDEF_ITEM &device);
+    // Back to no device: the record is cleared and the device range invalid.
+    void clearDevice(const std::string &noDeviceName);
 
     TAG_UI_ALGODATA_KRL3 &algoUiData() { return m_algoUiData; }
     const TAG_UI_ALGODATA_KRL3 &algoUiData() const { return m_algoUiData; }

@@ -1,6 +1,11 @@
 list(APPEND KRLDV_CORE_SOURCES
   doc/KCAlgoKeys.cpp
   doc/KCDataDoc.cpp
+  doc/KCDataDocDevice.cpp
+  doc/KCSelectDeviceCtrlBase.cpp
+  doc/KCSelectDevice0x1Ctrl.cpp
+  doc/KCSelectDevice0x2Ctrl.cpp
+  doc/KCSelectDeviceNoneCtrl.cpp
   doc/KCDataDocSerial.cpp
   doc/KCDataDocSerialize.cpp
   doc/KCDataMap.cpp

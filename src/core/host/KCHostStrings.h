@@ -45,6 +45,8 @@ constexpr unsigned SerialUnclosedBlock = 0xEF3D;  // file, line, block name
 constexpr unsigned SerialNotAFile = 0xEF3E;       // file
 constexpr unsigned SerialFileTooLarge = 0xEF3F;   // file, most MiB
 constexpr unsigned SerialFileError = 0xEF40;      // file, what failed, the system's reason
+constexpr unsigned DeviceBufferCaption = 2128;    // device name
+constexpr unsigned NoDeviceBufferCaption = 2575;  // no arguments
 
 struct Entry
 {
@@ -55,6 +57,8 @@ struct Entry
 // Every number with its argument count, for the table's self-check.
 constexpr Entry All[] = {
     {Untitled, 0},
+    {DeviceBufferCaption, 1},
+    {NoDeviceBufferCaption, 0},
     {ChecksumBytes, 6},
     {OneBufferDocumentOnly, 0},
     {ChecksumInvalid, 0},

@@ -113,6 +113,14 @@ public:
     // True while no programmer action (program, read, verify, ...) is running; the data
     // views refuse typing otherwise.
     virtual bool ActionUi_NULL() const { return true; }
+
+    // Device selection. The document configures itself for a device only while the host's
+    // device-select window exists.
+    virtual bool HasDeviceSelectWindow() const { return true; }
+    // When the buffer parameters follow the device: 0 on selection, 1 on device load.
+    virtual int GetDeviceConfigMode() const { return 0; }
+    // Set while the host builds the workspace tabs itself: selection then leaves them alone.
+    virtual bool IsDeviceTabStepSkipped() const { return false; }
 };
 
 // The host's data-exchange object; set by the host before it creates any document.

@@ -3,6 +3,8 @@
 #include "doc/KCDataDoc.h"
 #include "view/KCSearchHits.h"
 #include "doc/KCLayoutNames.h"
+#include "doc/KCSelectDeviceCtrlBase.h"
+#include "doc/KCLayoutNames.h"
 #include "view/KCDataViewListener.h"
 #include "view/KCMouseController.h"
 #include "view/KCNavigationController.h"
@@ -80,7 +82,30 @@ void KCDataViewModel::OnUpdate(KCDocView *, long hint)
     // Anything else may have replaced the buffer: follow its size.
     if (m_doc)
         m_layouts.resizeStandardLayouts(m_doc->GetBufferSize());
+    if (hint == DOCHINT_DEVICE && m_doc) {
+        applyDeviceViews();
+        return;
+    }
     layoutsChanged();
+}
+
+void KCDataViewModel::applyDeviceViews()
+{
+    // The device's own layouts replace those of a device before; the first one is shown.
+    const KCSelectDeviceCtrlBase *control = m_doc->SelectDeviceCtrl();
+    std::string show = LAYOUT_BYTEVIEW;
+    if (control && !control->dataViews().empty()) {
+        for (const KCDataViewControl &v : control->dataViews()) {
+            if (v.layoutName() == LAYOUT_BYTEVIEW_OFFSET)
+                m_layouts.DefineByteBufferLayoutV2(v.layoutName(), v.scrollFlags(), v.first(), v.last(), v.addressOffset());
+            else if (v.layoutName() == LAYOUT_BYTEVIEW_PIC18F)
+                m_layouts.DefineBytePic18FLayout(v.layoutName(), v.scrollFlags());
+        }
+        show = control->dataViews().front().layoutName();
+    }
+    layoutsChanged();
+    if (GetBufferLayoutIndex(show) >= 0)
+        SetBufferLayoutView(show);
 }
 
 void KCDataViewModel::layoutsChanged()

@@ -171,6 +171,8 @@ private:
     friend class KCValueEditController;
 
     void notify(unsigned changes);
+    // Defines and shows the layouts the document's device asks for.
+    void applyDeviceViews();
     // Puts the caret at `to` and brings it into view.
     void moveCaret(const TAG_VIEW_POSITION &to);
     void ensureCaretVisible();

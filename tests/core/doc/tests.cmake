@@ -5,6 +5,7 @@ list(APPEND KRLDV_CORE_TEST_SOURCES
   core/doc/KCAlgoKeysTest.cpp
   core/doc/KCDataDocChecksumTest.cpp
   core/doc/KCImageShapeTest.cpp
+  core/doc/KCSelectDeviceTest.cpp
   core/doc/KCUndoTest.cpp
   core/doc/KCUiAdrDataManagerTest.cpp
   core/doc/cBufferSumTest.cpp

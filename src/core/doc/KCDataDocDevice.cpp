@@ -1,0 +1,112 @@
+// Device selection of the document: which control configures it, and what is kept when
+// a configuration fails.
+#include "doc/KCDataDoc.h"
+
+#include "doc/KCSelectDevice0x0Ctrl.h"
+#include "doc/KCSelectDevice0x1Ctrl.h"
+#include "doc/KCSelectDevice0x2Ctrl.h"
+#include "doc/KCSelectDeviceNoneCtrl.h"
+#include "host/KCMainProgDataExChange.h"
+
+namespace {
+
+std::unique_ptr<KCSelectDeviceCtrlBase> controlForKind(uint32_t kind, KCDataDoc *doc)
+{
+    switch (kind) {
+    case DEVICE_KIND_STANDARD: return std::make_unique<KCSelectDevice0x0Ctrl>(doc);
+    case DEVICE_KIND_OFFSET: return std::make_unique<KCSelectDevice0x1Ctrl>(doc);
+    case DEVICE_KIND_PIC18F: return std::make_unique<KCSelectDevice0x2Ctrl>(doc);
+    default: return nullptr;
+    }
+}
+
+} // namespace
+
+uint64_t KCDataDoc::definedBytesFrom(uint64_t size) const
+{
+    return m_dataMap.countIn(size, UINT64_MAX);
+}
+
+int KCDataDoc::selectDevice(const DEVICE_KRLXDEF_ITEM &device)
+{
+    if (device.name.empty() || device.bufferSize == 0 || !m_host->HasDeviceSelectWindow())
+        return 0;
+    std::unique_ptr<KCSelectDeviceCtrlBase> control = controlForKind(device.kind, this);
+    if (!control)
+        return 0;
+
+    // What a failed configuration puts back.
+    const DEVICE_KRLXDEF_ITEM oldItem = m_deviceItem;
+    const TAG_UI_ALGODATA_KRL3 oldRecord = m_algoParam->algoUiData();
+    const std::string oldName = m_algoParam->deviceName();
+    const uint32_t oldType = m_algoParam->deviceType();
+    const TAG_BUFFER_PARAM oldParam = *mainBufferParam();
+    const std::vector<TAG_DATADOC_VIEWITEM> oldItems = m_viewItems;
+    const auto restore = [&] {
+        m_deviceItem = oldItem;
+        m_algoParam->algoUiData() = oldRecord;
+        m_algoParam->setDeviceName(oldName);
+        m_algoParam->setDeviceType(oldType);
+        *mainBufferParam() = oldParam;
+        m_viewItems = oldItems;
+    };
+
+    SetDeviceItemX(&device);
+    if (!m_algoParam->CfgAlgoDataOnDeviceSelect(device) || !control->attach()) {
+        restore();
+        return 0;
+    }
+    if (m_selectDeviceCtrl)
+        m_selectDeviceCtrl->CleanUpOnNewDevice();
+    m_selectDeviceCtrl = std::move(control);
+    m_loadBase = device.addressOffset;
+
+    // The device fixes the buffer. Bytes inside it stay; anything beyond is cut off.
+    cByteBuffer &buffer = m_algoParam->buffer(0);
+    if (buffer.size() != device.bufferSize) {
+        materializeGaps();
+        const bool cuts = definedBytesFrom(device.bufferSize) != 0;
+        buffer.resize(device.bufferSize, fillByte());
+        m_dataMap.truncate(device.bufferSize);
+        m_changedMap.truncate(device.bufferSize);
+        m_undo.clear(!cuts && !IsModified());
+        if (cuts)
+            SetModifiedFlag(1);
+    }
+    UpdateAllViews(nullptr, DOCHINT_DEVICE);
+    ComputeCheckSum(-1);
+    return 1;
+}
+
+int KCDataDoc::deselectDeviceItem()
+{
+    auto control = std::make_unique<KCSelectDeviceNoneCtrl>(this);
+    const DEVICE_KRLXDEF_ITEM oldItem = m_deviceItem;
+    const TAG_UI_ALGODATA_KRL3 oldRecord = m_algoParam->algoUiData();
+    const std::string oldName = m_algoParam->deviceName();
+    const uint32_t oldType = m_algoParam->deviceType();
+    const TAG_BUFFER_PARAM oldParam = *mainBufferParam();
+    const std::vector<TAG_DATADOC_VIEWITEM> oldItems = m_viewItems;
+
+    ResetDeviceItemX();
+    m_algoParam->clearDevice(m_host->GetNoDeviceName());
+    TAG_BUFFER_PARAM &param = *mainBufferParam();
+    param.LBSA = param.LBEA = param.SBSA = param.SBEA = 0xFFFFFFFF;
+    param.loadRangeFromDevice = param.saveRangeFromDevice = 0;
+    if (!control->attach()) {
+        m_deviceItem = oldItem;
+        m_algoParam->algoUiData() = oldRecord;
+        m_algoParam->setDeviceName(oldName);
+        m_algoParam->setDeviceType(oldType);
+        param = oldParam;
+        m_viewItems = oldItems;
+        return 0;
+    }
+    if (m_selectDeviceCtrl)
+        m_selectDeviceCtrl->CleanUpOnNewDevice();
+    m_selectDeviceCtrl = std::move(control);
+    m_loadBase = 0;
+    UpdateAllViews(nullptr, DOCHINT_DEVICE);
+    ComputeCheckSum(-1);
+    return 1;
+}
