@@ -17,6 +17,7 @@ constexpr int CaretWidth = 2;
 constexpr int MinimumChars = 16;
 // Characters beyond one byte's codes cannot be typed into a pattern.
 constexpr ushort LastByteCode = 0xFF;
+constexpr ushort FirstPrintable = 0x20;
 
 } // namespace
 
@@ -136,7 +137,9 @@ void KCEdit_Base::keyPressEvent(QKeyEvent *event)
     case Qt::Key_Insert: key = KCEditFieldModel::KeyInsert; break;
     default: {
         const QString text = event->text();
-        if (text.isEmpty() || (event->modifiers() & Qt::ControlModifier)) {
+        // Enter, Escape and control keys go on to the dialog (its default button, Close).
+        const bool control = text.isEmpty() || text.front().unicode() < FirstPrintable;
+        if (control || (event->modifiers() & Qt::ControlModifier)) {
             QFrame::keyPressEvent(event);
             return;
         }

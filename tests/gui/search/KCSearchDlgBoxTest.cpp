@@ -111,7 +111,7 @@ TEST_F(SearchDialog, FindNextMarksTheHitThenReportsNotFound)
     KCEdit_Base *bytes = field(KCSearchDlgBox::IDC_EDIT_BYTE);
     bytes->setFocus();
     QTest::keyClicks(bytes, "aaaabb");
-    click("findNext");
+    QTest::keyClick(bytes, Qt::Key_Return); // the default button
     ASSERT_TRUE(waitDone());
     EXPECT_EQ(status(), text(KCHostStrings::SearchFound, {1, 0x801}));
     int64_t low = 0, high = 0;
