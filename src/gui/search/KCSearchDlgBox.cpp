@@ -282,10 +282,16 @@ void KCSearchDlgBox::fillHitList()
     const bool words = wordLayout();
     const uint64_t n = m_model.foundLength();
     for (uint64_t at : m_model.hits().list()) {
+        // The hit's bytes in brackets between the bytes around it.
         QString line = QStringLiteral("%1 ").arg(words ? at >> WordAddressShift : at, AddressDigits, HexBase, QLatin1Char('0')).toUpper();
-        const uint64_t end = std::min<uint64_t>(buffer.size(), at + std::max<uint64_t>(n, ListContextBytes));
-        for (uint64_t i = at; i < end; ++i)
-            line += QStringLiteral(" %1").arg(buffer.GetAt(i), ByteDigits, HexBase, QLatin1Char('0')).toUpper();
+        const uint64_t from = at >= uint64_t(ListContextBytes) ? at - ListContextBytes : 0;
+        const uint64_t end = std::min<uint64_t>(buffer.size(), at + n + ListContextBytes);
+        for (uint64_t i = from; i < end; ++i) {
+            const QString byte = QStringLiteral("%1").arg(buffer.GetAt(i), ByteDigits, HexBase, QLatin1Char('0')).toUpper();
+            line += (i == at ? QStringLiteral(" [") : QStringLiteral(" ")) + byte;
+            if (i == at + n - 1)
+                line += QLatin1Char(']');
+        }
         auto *item = new QListWidgetItem(line, m_list);
         item->setData(Qt::UserRole, QVariant::fromValue<qulonglong>(at));
     }

@@ -36,8 +36,8 @@ public:
         ID_EDIT_SEARCH = 32806,
     };
     static constexpr int ProgressIntervalMs = 250;
-    // Bytes of the buffer shown after each hit in the list.
-    static constexpr int ListContextBytes = 8;
+    // Bytes of the buffer shown before and after each hit in the list.
+    static constexpr int ListContextBytes = 4;
 
     explicit KCSearchDlgBox(KCDataView *view, QWidget *parent = nullptr);
     ~KCSearchDlgBox() override;
@@ -48,6 +48,8 @@ public:
     void OnFindAll();
     void OnStop();
     void OnCopyList();
+    // The progress timer's tick: the address being searched.
+    void OnTimer();
     bool isRunning() const { return m_worker != nullptr; }
 
     KCEdit_Base *edit(int id) const;
@@ -73,7 +75,6 @@ signals:
 private:
     void start(bool findAll);
     void OnSearchDone();
-    void OnTimer();
     void OnHitActivated(QListWidgetItem *item);
     void fillHitList();
     void showHit(int64_t address, uint64_t length);

@@ -1,4 +1,5 @@
 #include "doc/KCDataDoc.h"
+#include "doc/KCLayoutNames.h"
 #include "host/KCFormat.h"
 #include "host/KCHostStrings.h"
 #include "KCDataView.h"
@@ -147,7 +148,7 @@ TEST_F(SearchDialog, FindAllColoursTheHitsAndListsThemForJumping)
 
     QListWidget *list = dlg->hitList();
     ASSERT_EQ(list->count(), 3);
-    EXPECT_TRUE(list->item(1)->text().startsWith("00000020  12 34"));
+    EXPECT_EQ(list->item(1)->text(), "00000020  00 00 00 00 [12 34] 00 00 00 00");
     list->setFocus();
     list->setCurrentRow(2);
     QTest::keyClick(list, Qt::Key_Return);
@@ -155,7 +156,12 @@ TEST_F(SearchDialog, FindAllColoursTheHitsAndListsThemForJumping)
     ASSERT_TRUE(view->model().markRange(low, high));
     EXPECT_EQ(low, 0xF0);
     click("copyList");
-    EXPECT_TRUE(QApplication::clipboard()->text().startsWith("00000010  12 34"));
+    EXPECT_TRUE(QApplication::clipboard()->text().startsWith("00000010  00 00 00 00 [12 34]"));
+    // In the word layout the list counts words.
+    ASSERT_TRUE(view->SetBufferLayoutView(LAYOUT_WORDVIEW));
+    click("findAll");
+    ASSERT_TRUE(waitDone());
+    EXPECT_TRUE(list->item(1)->text().startsWith("00000010 "));
 
     // Little-endian words show each pair's second byte first; aligned words skip odd addresses.
     dlg->option("littleEndian")->setChecked(true);
@@ -183,6 +189,9 @@ TEST_F(SearchDialog, StopEndsARunningSearch)
     EXPECT_TRUE(dlg->isRunning());
     EXPECT_TRUE(dlg->progressTimer().isActive());
     EXPECT_TRUE(dlg->button("stop")->isEnabled());
+    dlg->OnTimer();
+    const std::string progress = host.GetHostString(KCHostStrings::SearchProgress);
+    EXPECT_EQ(status().substr(0, progress.find('%')), progress.substr(0, progress.find('%')));
     click("stop");
     ASSERT_TRUE(waitDone());
     EXPECT_FALSE(dlg->progressTimer().isActive());
