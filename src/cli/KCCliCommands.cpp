@@ -5,6 +5,7 @@
 #include "KCCliDeviceCommand.h"
 #include "KCCliDevicesCommand.h"
 #include "KCCliFillCommand.h"
+#include "KCCliFindCommand.h"
 #include "KCCliInfoCommand.h"
 #include "KCCliSerialCommand.h"
 
@@ -15,6 +16,7 @@ std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
     commands.push_back(std::make_unique<KCCliConvertCommand>());
     commands.push_back(std::make_unique<KCCliChecksumCommand>());
     commands.push_back(std::make_unique<KCCliFillCommand>());
+    commands.push_back(std::make_unique<KCCliFindCommand>());
     commands.push_back(std::make_unique<KCCliSerialCommand>());
     commands.push_back(std::make_unique<KCCliDevicesCommand>());
     commands.push_back(std::make_unique<KCCliDeviceCommand>());

@@ -3,6 +3,7 @@
 #include "KCDeviceMenu.h"
 
 #include "bufops/KCBufferFill.h"
+#include "search/KCSearchDlgBox.h"
 #include "host/KCNumberText.h"
 #include "view/KCClipboardController.h"
 #include "view/KCCopyAs.h"
@@ -274,6 +275,25 @@ void KCMainFrame::createActions()
             view->viewport()->update();
     });
 
+    // Edit > Find (the view's search command) and F3 / Shift+F3 to repeat it without the dialog.
+    m_findAction = new QAction(tr("F&ind..."), this);
+    m_findAction->setShortcut(QKeySequence::Find);
+    m_findAction->setProperty("commandId", int(KCSearchDlgBox::ID_EDIT_SEARCH));
+    connect(m_findAction, &QAction::triggered, this, [this] {
+        KCDataView *view = currentView();
+        if (!view)
+            return;
+        KCSearchDlgBox dialog(view, this);
+        dialog.exec();
+        view->viewport()->update();
+    });
+    m_findNextAction = new QAction(tr("Find &Next"), this);
+    m_findNextAction->setShortcut(QKeySequence(Qt::Key_F3));
+    connect(m_findNextAction, &QAction::triggered, this, [this] { KCSearchDlgBox::FindAgain(currentView(), true); });
+    m_findPreviousAction = new QAction(tr("Find Pre&vious"), this);
+    m_findPreviousAction->setShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F3));
+    connect(m_findPreviousAction, &QAction::triggered, this, [this] { KCSearchDlgBox::FindAgain(currentView(), false); });
+
     m_goToAction = new QAction(tr("&Go To Address..."), this);
     m_goToAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_G));
     connect(m_goToAction, &QAction::triggered, this, &KCMainFrame::goToAddress);
@@ -344,6 +364,9 @@ void KCMainFrame::createMenus()
     edit->addSeparator();
     edit->addAction(m_fillAction);
     edit->addAction(m_goToAction);
+    edit->addAction(m_findAction);
+    edit->addAction(m_findNextAction);
+    edit->addAction(m_findPreviousAction);
     // Paste is offered while the clipboard holds bytes in a format it takes.
     connect(edit, &QMenu::aboutToShow, this, [this] { m_pasteAction->setEnabled(m_doc && !m_clipboard.isEmpty()); });
 
@@ -478,7 +501,7 @@ KCDataView *KCMainFrame::newWindow()
     // The view's context menu: the Edit commands.
     view->setContextMenuPolicy(Qt::ActionsContextMenu);
     view->addActions({m_undoAction, m_redoAction, m_cutAction, m_copyAction, m_pasteAction, m_selectAllAction,
-                      m_fillAction, m_goToAction});
+                      m_fillAction, m_goToAction, m_findAction});
     view->OnInitialUpdate();
     child->show();
     view->setFocus();
@@ -654,6 +677,9 @@ void KCMainFrame::updateActions()
     m_goToAction->setEnabled(hasDoc);
     m_selectAllAction->setEnabled(hasDoc);
     m_fillAction->setEnabled(hasDoc);
+    m_findAction->setEnabled(hasDoc);
+    m_findNextAction->setEnabled(hasDoc);
+    m_findPreviousAction->setEnabled(hasDoc);
     updateUndoActions();
     m_swapAction->setEnabled(hasDoc);
     m_serialAction->setEnabled(hasDoc);

@@ -117,6 +117,9 @@ private:
     QAction *m_goToAction = nullptr;
     QAction *m_selectAllAction = nullptr;
     QAction *m_fillAction = nullptr;
+    QAction *m_findAction = nullptr;
+    QAction *m_findNextAction = nullptr;
+    QAction *m_findPreviousAction = nullptr;
     QList<QAction *> m_copyAsActions;
     QAction *m_copyAction = nullptr;
     QAction *m_pasteAction = nullptr;

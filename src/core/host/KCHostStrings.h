@@ -25,6 +25,10 @@ constexpr unsigned FileDialogSaveAs = 2485;
 constexpr unsigned FileDialogFormatLabel = 2490;
 constexpr unsigned ReloadTitle = 2491;
 constexpr unsigned ReloadButton = 2492;
+constexpr unsigned SearchNotFound = 2496;     // no arguments
+constexpr unsigned SearchFound = 2497;        // hit counter, address
+constexpr unsigned SearchFoundAll = 2498;     // hit count
+constexpr unsigned SearchProgress = 2499;     // address being searched
 constexpr unsigned FileTypeSvf = 2667;
 constexpr unsigned FileTypeTi = 2682;
 constexpr unsigned FailedToSave = 0xF102;       // no arguments
@@ -75,6 +79,10 @@ constexpr Entry All[] = {
     {FileDialogFormatLabel, 0},
     {ReloadTitle, 0},
     {ReloadButton, 0},
+    {SearchNotFound, 0},
+    {SearchFound, 2},
+    {SearchFoundAll, 1},
+    {SearchProgress, 1},
     {FileTypeSvf, 0},
     {FileTypeTi, 0},
     {FailedToSave, 0},

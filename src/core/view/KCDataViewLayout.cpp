@@ -1,5 +1,7 @@
 #include "view/KCDataViewLayout.h"
 
+#include "view/KCSearchHits.h"
+
 #include <algorithm>
 #include <climits>
 #include <cstring>
@@ -178,7 +180,7 @@ int KCDataViewLayout::findBlock(LAYOUT_LIST list, int64_t line) const
 
 void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *data, uint64_t size,
                                  int64_t markLow, int64_t markHigh, TAG_VIEW_ROW &row,
-                                 const KCDataMap *modified, const KCDataMap *defined) const
+                                 const KCDataMap *modified, const KCDataMap *defined, const KCSearchHits *hits) const
 {
     row.text.assign(static_cast<size_t>(m_widestRow), ' ');
     row.state.assign(static_cast<size_t>(m_widestRow), VCS_EMPTY);
@@ -196,6 +198,8 @@ void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *
         if (rowAddr < 0 || modified->rangesIn(uint64_t(rowAddr), uint64_t(rowAddr) + blk.bytesPerRow - 1).empty())
             modified = nullptr;
     }
+    if (hits && !blk.isText() && (rowAddr < 0 || !hits->overlaps(uint64_t(rowAddr), uint64_t(rowAddr) + blk.bytesPerRow - 1)))
+        hits = nullptr;
     // Likewise a row of data only, or of fill only, needs no look-up per cell.
     bool allGap = false;
     if (defined && !blk.isText() && rowAddr >= 0) {
@@ -232,6 +236,8 @@ void KCDataViewLayout::renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *
             }
             if (addr >= markLow && addr <= markHigh)
                 cellState = VCS_MARKED;
+            else if (hits && hits->contains(uint64_t(addr)))
+                cellState = VCS_HIT;
             else if (modified && modified->contains(uint64_t(addr)))
                 cellState = VCS_MODIFIED;
             else if (defined && (allGap || !defined->contains(uint64_t(addr))))

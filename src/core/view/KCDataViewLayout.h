@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+class KCSearchHits;
+
 // The two block lists of a layout: rows fixed at the top, rows that scroll.
 enum LAYOUT_LIST : int { LAYOUT_TOP = 0, LAYOUT_BODY = 1 };
 
@@ -58,10 +60,10 @@ public:
     int findBlock(LAYOUT_LIST list, int64_t line) const;
     // Fills `row` with the texts and states of `line`; bytes come from data[0..size).
     // Addresses in `modified` are shown as modified unless they are marked; with `defined`
-    // given, addresses outside it are shown as gaps.
+    // given, addresses outside it are shown as gaps; bytes of `hits` as hits, unless marked.
     void renderRow(LAYOUT_LIST list, int64_t line, const uint8_t *data, uint64_t size, int64_t markLow,
                    int64_t markHigh, TAG_VIEW_ROW &row, const KCDataMap *modified = nullptr,
-                   const KCDataMap *defined = nullptr) const;
+                   const KCDataMap *defined = nullptr, const KCSearchHits *hits = nullptr) const;
 
     void setTextMetrics(int charWidth, int linePitch);
     int charWidth() const { return m_charWidth; }

@@ -1,6 +1,7 @@
 #include "view/KCDataViewModel.h"
 
 #include "doc/KCDataDoc.h"
+#include "view/KCSearchHits.h"
 #include "doc/KCLayoutNames.h"
 #include "doc/KCSelectDeviceCtrlBase.h"
 #include "doc/KCLayoutNames.h"
@@ -382,7 +383,13 @@ void KCDataViewModel::renderScreenLine(int screenLine, TAG_VIEW_ROW &row) const
     const cByteBuffer *buf = m_doc ? &m_doc->AlgoParam().buffer(0) : nullptr;
     l->renderRow(list, line, buf ? buf->data() : nullptr, buf ? buf->size() : 0, low, high, row,
                  m_doc && !m_doc->changedMap().isEmpty() ? &m_doc->changedMap() : nullptr,
-                 m_doc ? &m_doc->dataMap() : nullptr);
+                 m_doc ? &m_doc->dataMap() : nullptr, m_hits.get());
+}
+
+void KCDataViewModel::setSearchHits(std::shared_ptr<const KCSearchHits> hits)
+{
+    m_hits = std::move(hits);
+    notify(KCDataViewListener::ChangedRows);
 }
 
 bool KCDataViewModel::isCaretShown() const

@@ -8,11 +8,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <memory>
 #include <set>
 #include <string>
 
 class KCDataDoc;
 class KCDataViewListener;
+class KCSearchHits;
 class KCMouseController;
 class KCNavigationController;
 class KCValueEditController;
@@ -157,6 +159,10 @@ public:
     // Bytes changed since the buffer was loaded, replaced or saved (typed here or written by
     // any other path of the document).
     bool isByteModified(int64_t address) const;
+
+    // The hits of the last find-all, painted in their own colours until replaced (null: none).
+    void setSearchHits(std::shared_ptr<const KCSearchHits> hits);
+    const KCSearchHits *searchHits() const { return m_hits.get(); }
     uint64_t modifiedByteCount() const;
 
 private:
@@ -181,6 +187,7 @@ private:
     KCMainProgDataExChange *m_host;
     KCDataViewListener *m_listener = nullptr;
     KCDataViewLayoutSet m_layouts;
+    std::shared_ptr<const KCSearchHits> m_hits;
     int m_charWidth = 0;
     int m_linePitch = 0;
     int m_viewColumns = 0;

@@ -12,6 +12,7 @@ enum VIEW_CELL_STATE : uint8_t {
     VCS_MARKED = 3, // a buffer byte inside the mark
     VCS_MODIFIED = 4, // a buffer byte typed since the buffer last matched its file
     VCS_GAP = 5,    // a byte of fill between the image's data
+    VCS_HIT = 6,    // a buffer byte of a hit of the last find-all
 };
 
 // One row as the view paints it: a character and a state per layout column. Character cells

@@ -10,4 +10,12 @@ list(APPEND KRLDV_CORE_SOURCES
   view/KCMouseController.cpp
   view/KCNavigationController.cpp
   view/KCValueEditController.cpp
+  view/KCEditPatternState.cpp
+  view/KCEditFieldModel.cpp
+  view/KCEditByteModel.cpp
+  view/KCEditCharModel.cpp
+  view/KCEditWordModel.cpp
+  view/cBufferSearch.cpp
+  view/KCSearchHits.cpp
+  view/KCSearchModel.cpp
 )

@@ -2,6 +2,7 @@
 
 #include "view/KCDataViewModel.h"
 #include "view/KCIndexedColor.h"
+#include "view/KCSearchModel.h"
 
 #include <QFontMetrics>
 #include <QGlyphRun>
@@ -86,6 +87,7 @@ void KCDataViewRenderer::loadColours()
     take(CaretLine, KCIndexedColor::BlackOnLavender);
     take(Modified, KCIndexedColor::BlackOnBrown);
     take(Gap, table.GetIndexOf(KCIndexedColor::GapText, KCIndexedColor::GapBackground));
+    take(Hit, table.GetIndexOf(KCSearchModel::HitText, KCSearchModel::HitBackground));
     // Fill on the caret's row keeps the row's background but stays dimmed.
     uint32_t lineText = 0, lineBack = 0;
     table.GetColorOf(KCIndexedColor::BlackOnLavender, lineText, lineBack);
@@ -101,6 +103,7 @@ KCDataViewRenderer::Role KCDataViewRenderer::roleOf(uint8_t state, Role rowRole)
     switch (state) {
     case VCS_MARKED: return Marked;
     case VCS_MODIFIED: return Modified;
+    case VCS_HIT: return Hit;
     case VCS_GAP: return rowRole == CaretLine ? CaretLineGap : Gap;
     default: return rowRole;
     }

@@ -26,7 +26,8 @@ public:
     //   CaretLine  pair 3 (black on lavender): the row the caret stands on
     //   Modified   pair 4 (black on brown): bytes typed since the buffer last matched its file
     //   Gap, CaretLineGap  grey text on a pale (or the caret row's) background: fill between data
-    enum Role { Normal, Header, Marked, CaretLine, Modified, Gap, CaretLineGap, RoleCount };
+    //   Hit        black on red 0xC8, green 0x64, blue 0x64: bytes of the last find-all's hits
+    enum Role { Normal, Header, Marked, CaretLine, Modified, Gap, CaretLineGap, Hit, RoleCount };
 
     // Where the caret is drawn, in screen characters; `bar` draws a thin bar (insert mode)
     // instead of a block.
