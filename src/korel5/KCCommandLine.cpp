@@ -18,6 +18,13 @@ KCCommandLine KCCommandLine::parse(const QStringList &args)
             }
             line.mode = Screenshot;
             line.screenshotPath = args[++i];
+        } else if (a == "--device") {
+            if (i + 1 >= args.size()) {
+                line.mode = Invalid;
+                line.error = "--device needs the name of a device (krldv devices lists them)";
+                return line;
+            }
+            line.device = args[++i];
         } else if (a == "--") {
             files += args.mid(i + 1);
             break;
@@ -40,9 +47,10 @@ KCCommandLine KCCommandLine::parse(const QStringList &args)
 
 QString KCCommandLine::usage()
 {
-    return "usage: korel5 [FILE]\n"
-           "       korel5 --screenshot OUT.png [FILE]\n"
-           "Opens FILE (any programmer file type, chosen by its extension) in the buffer editor.\n"
+    return "usage: korel5 [--device NAME] [FILE]\n"
+           "       korel5 --screenshot OUT.png [--device NAME] [FILE]\n"
+           "Opens FILE (any programmer file type, chosen by its extension) in the buffer editor,\n"
+           "through the size, ranges and layout of device NAME when one is given.\n"
            "--screenshot renders the main window with FILE loaded to OUT.png and exits; it needs no\n"
            "display. Exit status: 0 done, 1 the PNG could not be written, 2 bad command line,\n"
            "3 FILE could not be opened (the picture shows why).\n";

@@ -16,5 +16,6 @@ public:
     Mode mode = Run;
     QString file;           // the file to open, may be empty
     QString screenshotPath; // the PNG to write in Screenshot mode
+    QString device;         // the device to select before FILE opens, may be empty
     QString error;          // why the line is Invalid
 };

@@ -1,5 +1,6 @@
 #include "KCAppHost.h"
 #include "KCCommandLine.h"
+#include "KCDeviceMenu.h"
 #include "KCMainFrame.h"
 #include "KrldvModule.h"
 
@@ -26,6 +27,10 @@ int takeScreenshot(KCMainFrame &frame, const KCCommandLine &line)
     frame.host().setInteractive(false);
     frame.settings().setReadOnly(true);
     frame.resize(ScreenshotWidth, ScreenshotHeight);
+    if (!line.device.isEmpty() && !frame.devices()->select(line.device)) {
+        std::fprintf(stderr, "korel5: %s: no such device\n", qPrintable(line.device));
+        return ExitUsage;
+    }
     const bool opened = line.file.isEmpty() ? frame.newDocument() : frame.openFile(line.file);
     frame.show();
     QApplication::processEvents();
@@ -87,6 +92,10 @@ int main(int argc, char *argv[])
             rc = takeScreenshot(frame, line);
         } else {
             frame.show();
+            if (!line.device.isEmpty() && !frame.devices()->select(line.device)) {
+                std::fprintf(stderr, "korel5: %s: no such device\n", qPrintable(line.device));
+                rc = ExitUsage;
+            }
             // Open once the window is up, so a long load shows its busy cursor in it.
             QTimer::singleShot(0, &frame, [&frame, &line] {
                 if (line.file.isEmpty() || !frame.openFile(line.file))
