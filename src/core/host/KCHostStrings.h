@@ -41,6 +41,16 @@ constexpr unsigned SerialUnclosedBlock = 0xEF3D;  // file, line, block name
 constexpr unsigned SerialNotAFile = 0xEF3E;       // file
 constexpr unsigned SerialFileTooLarge = 0xEF3F;   // file, most MiB
 constexpr unsigned SerialFileError = 0xEF40;      // file, what failed, the system's reason
+// Captions of the device option pages, cited by the option types' page table; no arguments.
+constexpr unsigned OptionPageDevice = 0x9AD;
+constexpr unsigned OptionPageAction = 0x9AE;
+constexpr unsigned OptionPageIsp = 0x9AF;
+constexpr unsigned OptionPageJtag = 0x9B0;
+constexpr unsigned OptionPageIdCode = 0x9B1;
+constexpr unsigned OptionPagePassword = 0x9B2;
+constexpr unsigned OptionPageSyncLink = 0x9B3;
+constexpr unsigned OptionPageAlgorithm = 0x9B4;
+constexpr unsigned OptionPageIspAdapter = 0x9B5;
 
 struct Entry
 {
@@ -87,6 +97,15 @@ constexpr Entry All[] = {
     {SerialNotAFile, 1},
     {SerialFileTooLarge, 2},
     {SerialFileError, 3},
+    {OptionPageDevice, 0},
+    {OptionPageAction, 0},
+    {OptionPageIsp, 0},
+    {OptionPageJtag, 0},
+    {OptionPageIdCode, 0},
+    {OptionPagePassword, 0},
+    {OptionPageSyncLink, 0},
+    {OptionPageAlgorithm, 0},
+    {OptionPageIspAdapter, 0},
 };
 
 } // namespace KCHostStrings

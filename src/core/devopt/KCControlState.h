@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+// What a control shows after a refresh: check state, selected item, text, or the texts of
+// a list edit's elements.
+struct KCControlState
+{
+    bool checked = false;
+    int index = -1;     // combo box: -1 when the value is none of its items
+    bool valid = true;  // false: the record holds a value the control cannot show
+    std::string text;
+    std::vector<std::string> elements;
+};

@@ -1,0 +1,10 @@
+list(APPEND KRLDV_CORE_SOURCES
+  devopt/CDialogAutoDDCCtrls.cpp
+  devopt/KCOptionPageDesc.cpp
+  devopt/KCOptionPageLibrary.cpp
+  devopt/KCOptionPageModel.cpp
+  devopt/KCOptionTypeRegistry.cpp
+  devopt/cDDEdit.cpp
+  devopt/cDDListEdit.cpp
+  devopt/cParamStcBase.cpp
+)
