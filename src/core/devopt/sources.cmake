@@ -1,5 +1,6 @@
 list(APPEND KRLDV_CORE_SOURCES
   devopt/CDialogAutoDDCCtrls.cpp
+  devopt/KCOptionDefaults.cpp
   devopt/KCOptionPageDesc.cpp
   devopt/KCOptionPageLibrary.cpp
   devopt/KCOptionPageModel.cpp
