@@ -1,4 +1,4 @@
-#include "devopt/cDDListEdit.h"
+#include "devopt/cDDEdit.h"
 
 #include <gtest/gtest.h>
 
@@ -59,21 +59,4 @@ TEST(cDDEdit, ParsesOnChangeAndRewritesOnFocusLossWithoutReentering)
     dec.edit->OnChange("-1");
     dec.edit->OnChange("4294967296");
     EXPECT_EQ(dec.parameter, 12u);
-}
-
-TEST(cDDListEdit, RemembersTheFocusedElement)
-{
-    std::vector<uint32_t> values(3, 0);
-    cDDListEdit list;
-    for (size_t i = 0; i < values.size(); ++i)
-        list.add(cDDEdit([&values, i](uint32_t &v) { v = values[i]; return true; },
-                         [&values, i](uint32_t v) { values[i] = v; }, [](const std::string &) {}));
-    EXPECT_EQ(list.focusedElement(), -1);
-    list.OnSetFocus(2);
-    list.OnChange(2, "FF");
-    EXPECT_EQ(list.focusedElement(), 2);
-    EXPECT_EQ(values, (std::vector<uint32_t>{0, 0, 0xFF}));
-    list.OnKillFocus(2);
-    EXPECT_EQ(list.focusedElement(), -1);
-    EXPECT_EQ(list.element(2).text(), "FF");
 }
