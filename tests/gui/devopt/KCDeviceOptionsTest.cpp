@@ -78,6 +78,10 @@ TEST(KCDeviceOptions, UniversalActionPageWritesTheRecordOnClicks)
     ASSERT_EQ(v.view->tabBar()->count(), 6);
     EXPECT_EQ(v.view->tabBar()->tabText(0).toStdString(), v.host.GetHostString(KCHostStrings::OptionPageDevice));
     EXPECT_EQ(v.shownPage(), v.view->optionsCtrl()->page(0)) << "the first page shows first";
+    QSize largest;
+    for (const auto &p : v.view->optionsCtrl()->pages())
+        largest = largest.expandedTo(p.page->pageSize());
+    EXPECT_EQ(v.view->optionsCtrl()->size(), largest);
     QTest::mouseClick(v.view->tabBar(), Qt::LeftButton, {}, v.view->tabBar()->tabRect(1).center());
     ASSERT_EQ(v.shownPage()->className(), "KCActOptDlg_ActOptions_UNIV2");
     EXPECT_TRUE(v.shownPage()->control(IdCompareId)->property(KCOptionPage::ControlIdProperty).isValid());
