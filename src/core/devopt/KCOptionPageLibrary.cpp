@@ -1,5 +1,6 @@
 #include "devopt/KCOptionPageLibrary.h"
 
+#include "devopt/KCOptionJson.h"
 #include "host/KCFormat.h"
 #include "host/KCHostStringTable.h"
 
@@ -18,25 +19,9 @@ const char *const KCOptionPageLibrary::TypesFile = "types.json";
 
 namespace {
 
-// Numbers may be written in hex as strings ("0x49E"), since JSON has no hex literals.
-uint32_t number(const json &j)
-{
-    if (j.is_number_unsigned() || j.is_number_integer())
-        return j.get<uint32_t>();
-    if (j.is_string()) {
-        const std::string s = j.get<std::string>();
-        size_t used = 0;
-        const unsigned long v = std::stoul(s, &used, 0);
-        if (used != s.size())
-            throw std::runtime_error("not a number: \"" + s + "\"");
-        return uint32_t(v);
-    }
-    throw std::runtime_error("expected a number, got " + j.dump());
-}
-
 uint32_t numberOr(const json &j, const char *name, uint32_t fallback)
 {
-    return j.contains(name) ? number(j.at(name)) : fallback;
+    return j.contains(name) ? KCOptionJson::number(j.at(name)) : fallback;
 }
 
 // A row of a formatted list. Frequencies come as fractions ("%.1f MHz"), which only a
@@ -54,9 +39,11 @@ std::string formatRow(const std::string &fmt, const json &row)
         }
     }
     std::vector<KCFormatArg> values;
-    for (const json &a : args)
-        values.push_back(a.is_string() && a.get<std::string>().rfind("0x", 0) != 0 ? KCFormatArg(a.get<std::string>())
-                                                                                  : KCFormatArg(number(a)));
+    for (const json &a : args) {
+        // Hex numbers come as "0x..." strings; other strings are texts.
+        const bool text = a.is_string() && a.get<std::string>().rfind("0x", 0) != 0;
+        values.push_back(text ? KCFormatArg(a.get<std::string>()) : KCFormatArg(KCOptionJson::number(a)));
+    }
     return KCFormat::format(fmt, values);
 }
 
@@ -97,9 +84,9 @@ KCOptionBinding binding(const json &j)
         b.key = j.at("text").get<std::string>();
     } else {
         b.kind = KCOptionBinding::Field;
-        b.offset = number(j.at("offset"));
+        b.offset = KCOptionJson::number(j.at("offset"));
         b.width = numberOr(j, "width", 1);
-        b.mask = number(j.at("mask"));
+        b.mask = KCOptionJson::number(j.at("mask"));
         b.shift = numberOr(j, "shift", 0);
     }
     b.value = numberOr(j, "value", 1);
@@ -111,8 +98,8 @@ void readControls(const json &list, std::vector<cParamStcBase> &out);
 // One check box per row: bit i of the flag bytes from `offset` on, ids counting up from `id`.
 void expandCheckList(const json &j, std::vector<cParamStcBase> &out)
 {
-    const uint32_t first = number(j.at("id"));
-    const uint32_t offset = number(j.at("offset"));
+    const uint32_t first = KCOptionJson::number(j.at("id"));
+    const uint32_t offset = KCOptionJson::number(j.at("offset"));
     const std::vector<std::string> captions = texts(json{{"format", j.at("format")}, {"rows", j.at("rows")}});
     for (uint32_t i = 0; i < captions.size(); ++i) {
         cParamStcBase c;
@@ -138,7 +125,7 @@ void readControl(const json &j, std::vector<cParamStcBase> &out)
         throw std::runtime_error("unknown control kind \"" + kind + "\"");
     cParamStcBase c;
     c.kind = k->second;
-    c.id = number(j.at("id"));
+    c.id = KCOptionJson::number(j.at("id"));
     c.caption = j.value("caption", std::string());
     if (j.contains("bind"))
         c.binding = binding(j.at("bind"));
@@ -146,7 +133,7 @@ void readControl(const json &j, std::vector<cParamStcBase> &out)
         c.items = texts(j.at("items"));
     if (j.contains("values"))
         for (const json &v : j.at("values"))
-            c.values.push_back(number(v));
+            c.values.push_back(KCOptionJson::number(v));
     c.format = j.value("format", std::string());
     c.keyFormat = j.value("keyFormat", std::string());
     c.count = numberOr(j, "count", 0);

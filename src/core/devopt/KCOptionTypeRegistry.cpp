@@ -1,5 +1,6 @@
 #include "devopt/KCOptionTypeRegistry.h"
 
+#include "devopt/KCOptionJson.h"
 #include "devopt/KCOptionPageLibrary.h"
 
 #include <nlohmann/json.hpp>
@@ -11,17 +12,6 @@
 
 using nlohmann::json;
 
-namespace {
-
-uint32_t number(const json &j)
-{
-    if (j.is_string())
-        return uint32_t(std::stoul(j.get<std::string>(), nullptr, 0));
-    return j.get<uint32_t>();
-}
-
-} // namespace
-
 bool KCOptionTypeRegistry::loadText(const std::string &text, const std::string &fileName, std::string *error)
 {
     try {
@@ -29,11 +19,12 @@ bool KCOptionTypeRegistry::loadText(const std::string &text, const std::string &
         std::map<std::string, KCOptionPageEntry> pageClasses;
         for (const auto &p : doc.at("pages").items()) {
             const json &ids = p.value();
-            pageClasses[p.key()] = {number(ids.at("template")), number(ids.at("caption")), p.key()};
+            pageClasses[p.key()] = {KCOptionJson::number(ids.at("template")),
+                                    KCOptionJson::number(ids.at("caption")), p.key()};
         }
         std::vector<Builder> builders;
         for (const json &t : doc.at("types")) {
-            Builder b{number(t.at("type")), {}};
+            Builder b{KCOptionJson::number(t.at("type")), {}};
             for (const json &name : t.at("pages")) {
                 const auto it = pageClasses.find(name.get<std::string>());
                 if (it == pageClasses.end())

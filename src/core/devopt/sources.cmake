@@ -1,6 +1,7 @@
 list(APPEND KRLDV_CORE_SOURCES
   devopt/CDialogAutoDDCCtrls.cpp
   devopt/KCOptionDefaults.cpp
+  devopt/KCOptionJson.cpp
   devopt/KCOptionPageDesc.cpp
   devopt/KCOptionPageLibrary.cpp
   devopt/KCOptionPageModel.cpp

@@ -18,7 +18,8 @@ constexpr const char *DefaultButtonText = "Default";
 } // namespace
 
 KCDeviceOptions::KCDeviceOptions(KCDataDoc *doc, QWidget *parent)
-    : QWidget(parent), m_tab(new QTabBar(this)), m_default(new QPushButton(QString::fromLatin1(DefaultButtonText), this))
+    : QWidget(parent), m_tab(new QTabBar(this)),
+      m_default(new QPushButton(QString::fromLatin1(DefaultButtonText), this))
 {
     auto *column = new QVBoxLayout(this);
     column->addWidget(m_tab);

@@ -66,8 +66,11 @@ void KCOptionPage::create(const cParamStcBase &c)
     }
     case cParamStcBase::CheckBox:
     case cParamStcBase::RadioButton: {
-        QAbstractButton *b = c.kind == cParamStcBase::CheckBox ? static_cast<QAbstractButton *>(new QCheckBox(caption, this))
-                                                               : new QRadioButton(caption, this);
+        QAbstractButton *b = nullptr;
+        if (c.kind == cParamStcBase::CheckBox)
+            b = new QCheckBox(caption, this);
+        else
+            b = new QRadioButton(caption, this);
         // The model decides which radio of a field is checked, not the widget's grouping.
         b->setAutoExclusive(false);
         connect(b, &QAbstractButton::toggled, this, [this, id](bool on) { m_model.setChecked(id, on); });

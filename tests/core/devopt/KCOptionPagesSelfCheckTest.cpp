@@ -78,11 +78,12 @@ std::vector<std::string> family()
     act("", {"130", "133_0", "135", "136", "136_ISP", "137", "137_ISP", "139", "141", "148_2", "160", "160_ISP", "162",
              "162_ISP", "164", "201", "700", "701", "703", "704"});
     range("", 143, 148);
-    for (const char *n : {"KCDevOptDlg_ID0", "KCDevOptDlg_ID1", "KCDevOptDlg_ID5", "KCDevOptChainJTAG",
-                          "KCDevOptIDCode_UNIV02", "KCDevOptISP_ID6", "KCDevOptISP_SYNC_UNIV01", "KCDevOptISP_SYNC_UNIV02",
-                          "KCDevOptISPadapt", "KCDevOptISPadapt_91F", "KCDevOptISPadapt_UNIV01", "KCDevOptISPadapt_UNIV02",
-                          "KCDevOptJTAGadapt", "KCDevOptPSW_UNIV02", "KCAlgoDlgUTp3", "KCAlgoDlgUTp3_ActOpt",
-                          "KCAlgoDlgUTp3_IDCode", "KCAlgoDlgUTp3_ISPOpt", "KCAlgoDlgUTp3_SyncOpt"})
+    for (const char *n :
+         {"KCDevOptDlg_ID0", "KCDevOptDlg_ID1", "KCDevOptDlg_ID5", "KCDevOptChainJTAG", "KCDevOptIDCode_UNIV02",
+          "KCDevOptISP_ID6", "KCDevOptISP_SYNC_UNIV01", "KCDevOptISP_SYNC_UNIV02", "KCDevOptISPadapt",
+          "KCDevOptISPadapt_91F", "KCDevOptISPadapt_UNIV01", "KCDevOptISPadapt_UNIV02", "KCDevOptJTAGadapt",
+          "KCDevOptPSW_UNIV02", "KCAlgoDlgUTp3", "KCAlgoDlgUTp3_ActOpt", "KCAlgoDlgUTp3_IDCode",
+          "KCAlgoDlgUTp3_ISPOpt", "KCAlgoDlgUTp3_SyncOpt"})
         names.push_back(n);
     return names;
 }
@@ -213,10 +214,12 @@ TEST(OptionPagesSelfCheck, BadDescriptionsAreRejectedWithTheirFile)
 {
     KCOptionPageLibrary l;
     std::string error;
-    EXPECT_FALSE(l.loadText(R"({"pages":[{"class":"P","controls":[{"id":"0x1z","kind":"check"}]}]})", "p.json", &error));
+    EXPECT_FALSE(l.loadText(R"({"pages":[{"class":"P","controls":[{"id":"0x1z","kind":"check"}]}]})", "p.json",
+                            &error));
     EXPECT_EQ(error, "p.json: P: not a number: \"0x1z\"");
     EXPECT_FALSE(l.loadText(R"({"pages":[{"class":"P","controls":[{"id":1,"kind":"slider"}]}]})", "p.json", &error));
     EXPECT_EQ(error, "p.json: P: unknown control kind \"slider\"");
-    EXPECT_FALSE(KCOptionTypeRegistry().loadText(R"({"pages":{},"types":[{"type":1,"pages":["Q"]}]})", "t.json", &error));
+    EXPECT_FALSE(
+        KCOptionTypeRegistry().loadText(R"({"pages":{},"types":[{"type":1,"pages":["Q"]}]})", "t.json", &error));
     EXPECT_EQ(error, "t.json: type 1: page \"Q\" has no template");
 }
