@@ -10,6 +10,7 @@ struct KCControlState
     bool checked = false;
     int index = -1;     // combo box: -1 when the value is none of its items
     bool valid = true;  // false: the record holds a value the control cannot show
+    bool differs = false; // the value is not the device's default
     std::string text;
     std::vector<std::string> elements;
 };

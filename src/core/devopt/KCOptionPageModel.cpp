@@ -92,21 +92,54 @@ const KCControlState &KCOptionPageModel::state(uint32_t id) const
     return it == m_states.end() ? none : it->second;
 }
 
-bool KCOptionPageModel::readValue(const cParamStcBase &c, uint32_t &value) const
+bool KCOptionPageModel::readValue(const TAG_UI_ALGODATA_KRL3 &record, const cParamStcBase &c, uint32_t &value)
 {
     switch (c.binding.kind) {
     case KCOptionBinding::Field:
-        value = readField(m_record, c.binding);
+        value = readField(record, c.binding);
         return true;
     case KCOptionBinding::NumericKey: {
         bool found = false;
-        value = KCAlgoKeys(m_record).numeric(c.binding.key, &found);
+        // Looking a key up only reads the record.
+        value = KCAlgoKeys(const_cast<TAG_UI_ALGODATA_KRL3 &>(record)).numeric(c.binding.key, &found);
         return found;
     }
     default:
         value = 0;
         return false;
     }
+}
+
+void KCOptionPageModel::setDefaults(const TAG_UI_ALGODATA_KRL3 &defaults)
+{
+    m_defaults = std::make_unique<TAG_UI_ALGODATA_KRL3>(defaults);
+}
+
+bool KCOptionPageModel::differsFromDefault(const cParamStcBase &c) const
+{
+    if (!m_defaults)
+        return false;
+    const auto numericDiffers = [&](const cParamStcBase &control) {
+        uint32_t now = 0, then = 0;
+        const bool found = readValue(m_record, control, now);
+        return found != readValue(*m_defaults, control, then) || now != then;
+    };
+    if (c.kind == cParamStcBase::ListEdit) {
+        cParamStcBase element = c;
+        element.binding.kind = KCOptionBinding::NumericKey;
+        for (uint32_t i = 0; i < c.count; ++i) {
+            element.binding.key = c.elementKey(i);
+            if (numericDiffers(element))
+                return true;
+        }
+        return false;
+    }
+    if (c.binding.kind == KCOptionBinding::TextKey) {
+        std::string now, then;
+        const bool found = KCAlgoKeys(m_record).text(c.binding.key, now);
+        return found != KCAlgoKeys(*m_defaults).text(c.binding.key, then) || now != then;
+    }
+    return c.binding.kind != KCOptionBinding::None && numericDiffers(c);
 }
 
 void KCOptionPageModel::writeValue(const cParamStcBase &c, uint32_t value)
@@ -166,6 +199,7 @@ void KCOptionPageModel::Refresh()
 {
     ++m_filling;
     m_desc.forEach([this](const cParamStcBase &c) {
+        m_states[c.id].differs = differsFromDefault(c);
         if (const auto e = m_edits.find(c.id); e != m_edits.end()) {
             e->second->Show();
         } else if (const auto l = m_listEdits.find(c.id); l != m_listEdits.end()) {

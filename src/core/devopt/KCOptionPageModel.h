@@ -32,6 +32,9 @@ public:
     const KCOptionPageDesc &desc() const { return m_desc; }
     TAG_UI_ALGODATA_KRL3 &record() { return m_record; }
 
+    // The device's own settings; controls whose value differs from them are marked.
+    void setDefaults(const TAG_UI_ALGODATA_KRL3 &defaults);
+
     void Refresh();
     bool filling() const { return m_filling > 0; }
     const KCControlState &state(uint32_t id) const;
@@ -54,7 +57,9 @@ public:
     static void writeField(TAG_UI_ALGODATA_KRL3 &record, const KCOptionBinding &b, uint32_t value);
 
 private:
-    bool readValue(const cParamStcBase &c, uint32_t &value) const;
+    bool readValue(const cParamStcBase &c, uint32_t &value) const { return readValue(m_record, c, value); }
+    static bool readValue(const TAG_UI_ALGODATA_KRL3 &record, const cParamStcBase &c, uint32_t &value);
+    bool differsFromDefault(const cParamStcBase &c) const;
     void writeValue(const cParamStcBase &c, uint32_t value);
     KCControlState fill(const cParamStcBase &c);
     void writeControl(const cParamStcBase &c);
@@ -67,4 +72,5 @@ private:
     std::map<uint32_t, KCControlState> m_states;
     std::map<uint32_t, std::unique_ptr<cDDEdit>> m_edits;
     std::map<uint32_t, std::unique_ptr<cDDListEdit>> m_listEdits;
+    std::unique_ptr<TAG_UI_ALGODATA_KRL3> m_defaults;
 };

@@ -59,7 +59,11 @@ void KCDeviceOptions::CreateOptions()
         return;
     m_deviceName = m_doc->GetDeviceItemX().name;
     m_ctrl = new KCOptionsDialogCtrl(this, m_doc->GetDeviceItemX().optionType, this);
-    m_ctrl->Build(m_doc->AlgoParam().algoUiData(), KCOptionTypeRegistry::shared(), KCOptionPageLibrary::shared());
+    TAG_UI_ALGODATA_KRL3 &record = m_doc->AlgoParam().algoUiData();
+    m_ctrl->Build(record, KCOptionTypeRegistry::shared(), KCOptionPageLibrary::shared());
+    TAG_UI_ALGODATA_KRL3 defaults = record;
+    KCOptionDefaults::restore(defaults, m_doc->GetDeviceItemX());
+    m_ctrl->SetDefaults(defaults);
     static_cast<QVBoxLayout *>(layout())->insertWidget(1, m_ctrl);
     {
         const QSignalBlocker quiet(m_tab);

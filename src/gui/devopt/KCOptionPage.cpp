@@ -138,7 +138,13 @@ void KCOptionPage::layOut()
             return CDialogAutoDDCCtrls::Size{w->fontMetrics().horizontalAdvance(static_cast<QGroupBox *>(w)->title()) +
                                                  GroupTitleMargin,
                                              0};
+        // Measured in bold, so a value shown in bold (not the default) still fits.
+        const QFont normal = w->font();
+        QFont bold = normal;
+        bold.setBold(true);
+        w->setFont(bold);
         const QSize s = w->sizeHint();
+        w->setFont(normal);
         return CDialogAutoDDCCtrls::Size{s.width(), s.height()};
     };
     CDialogAutoDDCCtrls::Size total;
@@ -167,6 +173,11 @@ void KCOptionPage::controlRefreshed(const cParamStcBase &c, const KCControlState
     if (it == m_controls.end())
         return;
     QWidget *w = it->second.front();
+    for (QWidget *shown : it->second) {
+        QFont font = shown->font();
+        font.setBold(state.differs);
+        shown->setFont(font);
+    }
     switch (c.kind) {
     case cParamStcBase::CheckBox:
     case cParamStcBase::RadioButton:

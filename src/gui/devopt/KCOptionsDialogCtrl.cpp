@@ -62,6 +62,14 @@ KCOptionPage *KCOptionsDialogCtrl::page(int index) const
     return index >= 0 && size_t(index) < m_pages.size() ? m_pages[size_t(index)].page : nullptr;
 }
 
+void KCOptionsDialogCtrl::SetDefaults(const TAG_UI_ALGODATA_KRL3 &defaults)
+{
+    for (const Page &p : m_pages) {
+        p.page->model().setDefaults(defaults);
+        p.page->Refresh();
+    }
+}
+
 void KCOptionsDialogCtrl::RefreshPages()
 {
     for (const Page &p : m_pages)

@@ -41,6 +41,8 @@ public:
     uint32_t optionType() const { return m_optionType; }
     const std::vector<Page> &pages() const { return m_pages; }
     KCOptionPage *page(int index) const;
+    // The device's own settings, against which the pages mark changed values.
+    void SetDefaults(const TAG_UI_ALGODATA_KRL3 &defaults);
     // Every page reads the record again.
     void RefreshPages();
     // A window message to every page.

@@ -180,3 +180,26 @@ TEST(KCOptionPageModel, EditsAndListEditsWriteKeysAndFormatOnFocusLoss)
     dev.Refresh();
     EXPECT_EQ(dev.state(0x700).text, "Device: X51");
 }
+
+TEST(KCOptionPageModel, ValuesOtherThanTheDevicesDefaultsAreMarked)
+{
+    TAG_UI_ALGODATA_KRL3 r{};
+    ASSERT_TRUE(KCAlgoKeys(r).build({{"PGMFW", 1}, {"IDC0", 1}}, {}));
+    KCOptionPageModel m(page("KCActOptDlg_ActOptions_UNIV2"), r);
+    m.setDefaults(r);
+    m.Refresh();
+    EXPECT_FALSE(m.state(IdBlankCheck).differs);
+    m.setChecked(IdBlankCheck, true);
+    m.setChecked(IdFirmware, false);
+    EXPECT_TRUE(m.state(IdBlankCheck).differs);
+    EXPECT_TRUE(m.state(IdFirmware).differs);
+    EXPECT_FALSE(m.state(IdProtect).differs);
+
+    constexpr uint32_t IdCodes = 0x665;
+    KCOptionPageModel codes(page("KCDevOptIDCode_UNIV02"), r);
+    codes.setDefaults(r);
+    codes.Refresh();
+    codes.editChanged(IdCodes, "2");
+    codes.Refresh();
+    EXPECT_TRUE(codes.state(IdCodes).differs);
+}

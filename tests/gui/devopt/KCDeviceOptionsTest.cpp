@@ -94,6 +94,8 @@ TEST(KCDeviceOptions, UniversalActionPageWritesTheRecordOnClicks)
     v.click(IdBlankCheck);
     v.click(IdProtect);
     EXPECT_EQ(v.byte(74), DefaultActions | 0x11);
+    EXPECT_TRUE(v.button(IdBlankCheck)->font().bold()) << "changed from the device's default";
+    EXPECT_FALSE(v.button(IdFirmware)->font().bold());
     v.click(IdSequential);
     EXPECT_EQ(v.byte(74), 0x15);
     EXPECT_FALSE(v.button(IdParallel)->isChecked());
@@ -118,6 +120,7 @@ TEST(KCDeviceOptions, UniversalActionPageWritesTheRecordOnClicks)
     EXPECT_EQ(KCAlgoKeys(v.record()).numeric("PGMFW"), 1u);
     EXPECT_TRUE(v.button(IdParallel)->isChecked());
     EXPECT_TRUE(v.button(IdFirmware)->isChecked());
+    EXPECT_FALSE(v.button(IdBlankCheck)->font().bold());
 }
 
 TEST(KCDeviceOptions, ListEditRewritesItsElementWhenTheFocusLeaves)
