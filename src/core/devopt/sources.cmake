@@ -5,6 +5,7 @@ list(APPEND KRLDV_CORE_SOURCES
   devopt/KCOptionPageDesc.cpp
   devopt/KCOptionPageLibrary.cpp
   devopt/KCOptionPageModel.cpp
+  devopt/KCOptionSettingsFile.cpp
   devopt/KCOptionTypeRegistry.cpp
   devopt/cDDEdit.cpp
   devopt/cDDListEdit.cpp
