@@ -57,6 +57,7 @@ KCOptionPageModel::KCOptionPageModel(const KCOptionPageDesc &desc, TAG_UI_ALGODA
                                                     [this, &c](uint32_t v) { writeValue(c, v); },
                                                     [this, &c](const std::string &text) {
                                                         m_states[c.id].text = text;
+                                                        m_states[c.id].differs = differsFromDefault(c);
                                                         show(c);
                                                     },
                                                     c.format);
@@ -74,6 +75,7 @@ KCOptionPageModel::KCOptionPageModel(const KCOptionPageDesc &desc, TAG_UI_ALGODA
                     [this, key](uint32_t v) { KCAlgoKeys(m_record).setNumeric(key, v); },
                     [this, &c, i](const std::string &text) {
                         m_states[c.id].elements[i] = text;
+                        m_states[c.id].differs = differsFromDefault(c);
                         show(c);
                     },
                     c.format));

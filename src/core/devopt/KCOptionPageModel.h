@@ -25,6 +25,7 @@ public:
     static constexpr uint32_t WM_WRITE_BACK = 0x805C;
     static constexpr uint32_t WM_IGNORED = 0x805D;
 
+    // The description and the record must outlive the model.
     KCOptionPageModel(const KCOptionPageDesc &desc, TAG_UI_ALGODATA_KRL3 &record);
     ~KCOptionPageModel();
 

@@ -200,6 +200,6 @@ TEST(KCOptionPageModel, ValuesOtherThanTheDevicesDefaultsAreMarked)
     codes.setDefaults(r);
     codes.Refresh();
     codes.editChanged(IdCodes, "2");
-    codes.Refresh();
+    codes.editFocusLost(IdCodes);
     EXPECT_TRUE(codes.state(IdCodes).differs);
 }

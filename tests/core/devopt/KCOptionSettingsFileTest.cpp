@@ -11,7 +11,8 @@
 TEST(KCOptionSettingsFile, SavedSettingsLoadBackAndBadFilesChangeNothing)
 {
     TAG_UI_ALGODATA_KRL3 saved{};
-    ASSERT_TRUE(KCAlgoKeys(saved).build({{"PGMFW", 1}, {"KN_N", 7}, {"COMS", 9600}}, {{"MCU_T", "X51"}, {"LOT", "a b"}}));
+    ASSERT_TRUE(
+        KCAlgoKeys(saved).build({{"PGMFW", 1}, {"KN_N", 7}, {"COMS", 9600}}, {{"MCU_T", "X51"}, {"LOT", "a b"}}));
     saved.optionFields[74 - ALGODATA_OPTION_FIELDS] = 0xA5;
     saved.optionFields[sizeof saved.optionFields - 1] = 0x3C;
     char dir[] = "/tmp/krldv-options-XXXXXX";
