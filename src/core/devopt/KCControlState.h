@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,7 @@ struct KCControlState
 {
     bool checked = false;
     int index = -1;     // combo box: -1 when the value is none of its items
+    uint32_t value = 0; // the bound value as the record holds it
     bool valid = true;  // false: the record holds a value the control cannot show
     bool differs = false; // the value is not the device's default
     std::string text;

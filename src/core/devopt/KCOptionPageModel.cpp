@@ -163,6 +163,7 @@ KCControlState KCOptionPageModel::fill(const cParamStcBase &c)
     KCControlState s = m_states[c.id];
     uint32_t value = 0;
     const bool found = readValue(c, value);
+    s.value = value;
     switch (c.kind) {
     case cParamStcBase::CheckBox:
         s.checked = found && value != 0;

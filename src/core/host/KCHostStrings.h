@@ -51,6 +51,7 @@ constexpr unsigned OptionPagePassword = 0x9B2;
 constexpr unsigned OptionPageSyncLink = 0x9B3;
 constexpr unsigned OptionPageAlgorithm = 0x9B4;
 constexpr unsigned OptionPageIspAdapter = 0x9B5;
+constexpr unsigned OptionValueInvalid = 0x9B6; // the value
 
 struct Entry
 {
@@ -106,6 +107,7 @@ constexpr Entry All[] = {
     {OptionPageSyncLink, 0},
     {OptionPageAlgorithm, 0},
     {OptionPageIspAdapter, 0},
+    {OptionValueInvalid, 1},
 };
 
 } // namespace KCHostStrings

@@ -1,6 +1,9 @@
 #include "KCOptionPage.h"
 
 #include "devopt/CDialogAutoDDCCtrls.h"
+#include "host/KCFormat.h"
+#include "host/KCHostStrings.h"
+#include "host/KCMainProgDataExChange.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -19,6 +22,15 @@ namespace {
 constexpr int GroupTitleMargin = 20;
 // A list edit's element holds two hex digits and a little room.
 constexpr int ElementChars = 4;
+
+// What a combo box shows when the record holds a value none of its items stands for.
+QString invalidText(uint32_t value)
+{
+    if (!g_pMainProgDataExChange)
+        return QString::number(value);
+    return QString::fromStdString(
+        KCFormat::format(g_pMainProgDataExChange->GetHostString(KCHostStrings::OptionValueInvalid), {value}));
+}
 
 } // namespace
 
@@ -185,7 +197,7 @@ void KCOptionPage::controlRefreshed(const cParamStcBase &c, const KCControlState
         break;
     case cParamStcBase::ComboBox:
         static_cast<QComboBox *>(w)->setCurrentIndex(state.index);
-        w->setProperty("invalid", !state.valid);
+        static_cast<QComboBox *>(w)->setPlaceholderText(state.valid ? QString() : invalidText(state.value));
         break;
     case cParamStcBase::Edit:
         static_cast<QLineEdit *>(w)->setText(QString::fromStdString(state.text));

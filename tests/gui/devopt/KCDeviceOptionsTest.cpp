@@ -4,10 +4,12 @@
 #include "KCTestHost.h"
 #include "doc/KCAlgoKeys.h"
 #include "doc/KCDataDoc.h"
+#include "host/KCFormat.h"
 #include "host/KCHostStrings.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabBar>
@@ -156,4 +158,22 @@ TEST(KCDeviceOptions, TypesWithoutABuilderAndDocumentsWithoutADeviceShowNoPages)
     gone.view->CreateOptions();
     EXPECT_EQ(gone.view->optionsCtrl(), nullptr);
     EXPECT_EQ(gone.view->tabBar()->count(), 0);
+}
+
+TEST(KCDeviceOptions, AValueOutsideAListShowsAsInvalid)
+{
+    constexpr uint32_t BootAreaType = 162, IdWriteCycle = 0x4C3, BadWriteCycle = 3;
+    OptionsView v(BootAreaType);
+    KCAlgoKeys(v.record()).build({{"WCT", BadWriteCycle}}, {});
+    v.view->OnUpdate(nullptr, 0);
+    KCOptionPage *isp = nullptr;
+    for (const auto &p : v.view->optionsCtrl()->pages())
+        if (p.page->className() == "KCActOptDlg_ID162_ISP")
+            isp = p.page;
+    ASSERT_NE(isp, nullptr);
+    auto *combo = qobject_cast<QComboBox *>(isp->control(IdWriteCycle));
+    ASSERT_NE(combo, nullptr);
+    EXPECT_EQ(combo->currentIndex(), -1);
+    EXPECT_EQ(combo->placeholderText().toStdString(),
+              KCFormat::format(v.host.GetHostString(KCHostStrings::OptionValueInvalid), {BadWriteCycle}));
 }
