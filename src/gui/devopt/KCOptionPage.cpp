@@ -55,7 +55,7 @@ QWidget *KCOptionPage::labelled(const cParamStcBase &c, const std::vector<QWidge
     auto *box = new QWidget(this);
     auto *row = new QHBoxLayout(box);
     row->setContentsMargins(0, 0, 0, 0);
-    if (!c.caption.empty() && c.kind != cParamStcBase::ListEdit)
+    if (!c.caption.empty())
         row->addWidget(new QLabel(QString::fromStdString(c.caption), box));
     for (QWidget *f : fields) {
         f->setParent(box);
@@ -112,7 +112,6 @@ void KCOptionPage::create(const cParamStcBase &c)
     }
     case cParamStcBase::ListEdit: {
         std::vector<QWidget *> fields;
-        fields.push_back(new QLabel(caption));
         for (uint32_t i = 0; i < c.count; ++i) {
             auto *edit = new QLineEdit;
             edit->setFixedWidth(edit->fontMetrics().horizontalAdvance(QLatin1Char('0')) * ElementChars +
