@@ -2,6 +2,7 @@
 
 #include "host/KCClassRegistry.h"
 #include "doc/KCDataDoc.h"
+#include "KCDeviceOptions.h"
 #include "KCFileDialog.h"
 #include "KCLoadSaveCombo.h"
 #include "doc/KCUiAdrDataManager.h"
@@ -29,6 +30,7 @@ std::vector<ClassEntry> exportedClasses()
         {"KCUiAdrDataManager", "", [] { return static_cast<void *>(new KCUiAdrDataManager); }},
         {"KCFileDialog", "", [] { return static_cast<void *>(new KCFileDialog); }},
         {"KCLoadSaveCombo", "", [] { return static_cast<void *>(new KCLoadSaveCombo); }},
+        {"KCDeviceOptions", "", [] { return static_cast<void *>(new KCDeviceOptions); }},
     };
 }
 

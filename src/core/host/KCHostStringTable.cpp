@@ -75,7 +75,12 @@ bool KCHostStringTable::loadFromText(const std::string &text, const std::string 
                 *error = name + ":" + std::to_string(lineNo) + ": expected a number, a blank and a text";
             return false;
         }
-        m_texts[static_cast<unsigned>(id)] = unescape(line.substr(textStart + 1));
+        // A number given twice would silently hide one of its texts.
+        if (!m_texts.emplace(static_cast<unsigned>(id), unescape(line.substr(textStart + 1))).second) {
+            if (error)
+                *error = name + ":" + std::to_string(lineNo) + ": string " + std::to_string(id) + " is given twice";
+            return false;
+        }
     }
     return true;
 }

@@ -47,6 +47,17 @@ constexpr unsigned SerialFileTooLarge = 0xEF3F;   // file, most MiB
 constexpr unsigned SerialFileError = 0xEF40;      // file, what failed, the system's reason
 constexpr unsigned DeviceBufferCaption = 2128;    // device name
 constexpr unsigned NoDeviceBufferCaption = 2575;  // no arguments
+// Captions of the device option pages, cited by the option types' page table; no arguments.
+constexpr unsigned OptionPageDevice = 0x9AD;
+constexpr unsigned OptionPageAction = 0x9AE;
+constexpr unsigned OptionPageIsp = 0xE101;
+constexpr unsigned OptionPageJtag = 0xE102;
+constexpr unsigned OptionPageIdCode = 0xE103;
+constexpr unsigned OptionPagePassword = 0xE104;
+constexpr unsigned OptionPageSyncLink = 0xE105;
+constexpr unsigned OptionPageAlgorithm = 0xE106;
+constexpr unsigned OptionPageIspAdapter = 0xE107;
+constexpr unsigned OptionValueInvalid = 0xE108; // the value
 
 struct Entry
 {
@@ -99,6 +110,16 @@ constexpr Entry All[] = {
     {SerialNotAFile, 1},
     {SerialFileTooLarge, 2},
     {SerialFileError, 3},
+    {OptionPageDevice, 0},
+    {OptionPageAction, 0},
+    {OptionPageIsp, 0},
+    {OptionPageJtag, 0},
+    {OptionPageIdCode, 0},
+    {OptionPagePassword, 0},
+    {OptionPageSyncLink, 0},
+    {OptionPageAlgorithm, 0},
+    {OptionPageIspAdapter, 0},
+    {OptionValueInvalid, 1},
 };
 
 } // namespace KCHostStrings

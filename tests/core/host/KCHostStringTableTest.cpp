@@ -69,4 +69,6 @@ TEST(KCHostStringTable, ParsesNumbersEscapesAndRejectsBadLines)
     std::string error;
     EXPECT_FALSE(KCHostStringTable().loadFromText("1 ok\nbad line\n", "t.txt", &error));
     EXPECT_EQ(error, "t.txt:2: expected a number, a blank and a text");
+    EXPECT_FALSE(KCHostStringTable().loadFromText("2480 Binary\n0x9B0 JTAG\n", "t.txt", &error));
+    EXPECT_EQ(error, "t.txt:2: string 2480 is given twice");
 }
