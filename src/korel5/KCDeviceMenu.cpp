@@ -8,7 +8,12 @@
 #include "host/KCMainProgDataExChange.h"
 #include "host/KCMessageMarks.h"
 
+#include "KCDeviceOptions.h"
+#include "devopt/KCOptionSettingsFile.h"
+
 #include <QAction>
+#include <QDockWidget>
+#include <QFileDialog>
 #include <QMenu>
 
 KCDeviceMenu::KCDeviceMenu(KCMainFrame &frame, KCAppSettings &settings)
@@ -21,6 +26,76 @@ KCDeviceMenu::KCDeviceMenu(KCMainFrame &frame, KCAppSettings &settings)
     connect(m_selectAction, &QAction::triggered, this, &KCDeviceMenu::chooseDevice);
     m_noDeviceAction = new QAction(tr("&No Device"), this);
     connect(m_noDeviceAction, &QAction::triggered, this, &KCDeviceMenu::deselect);
+
+    // The options of the selected device live in a dock beside the buffer.
+    m_optionsDock = new QDockWidget(tr("Device Options"), &frame);
+    m_optionsDock->setObjectName("deviceOptionsDock");
+    m_options = new KCDeviceOptions(nullptr, m_optionsDock);
+    m_optionsDock->setWidget(m_options);
+    frame.addDockWidget(Qt::RightDockWidgetArea, m_optionsDock);
+    m_optionsDock->hide();
+
+    m_saveOptionsAction = new QAction(tr("&Save Options..."), this);
+    connect(m_saveOptionsAction, &QAction::triggered, this, [this] {
+        const QString path = QFileDialog::getSaveFileName(&m_frame, tr("Save Options"), QString(),
+                                                          tr("Option settings (*.json)"));
+        if (!path.isEmpty())
+            saveOptions(path);
+    });
+    m_loadOptionsAction = new QAction(tr("&Load Options..."), this);
+    connect(m_loadOptionsAction, &QAction::triggered, this, [this] {
+        const QString path = QFileDialog::getOpenFileName(&m_frame, tr("Load Options"), QString(),
+                                                          tr("Option settings (*.json)"));
+        if (!path.isEmpty())
+            loadOptions(path);
+    });
+}
+
+void KCDeviceMenu::setDocument(KCDataDoc *doc)
+{
+    m_doc = doc;
+    m_options->SetDocument(doc);
+    if (doc)
+        m_options->OnInitialUpdate();
+    const bool device = doc && doc->HasDeviceX();
+    m_saveOptionsAction->setEnabled(device);
+    m_loadOptionsAction->setEnabled(device);
+    m_optionsDock->setVisible(device);
+}
+
+bool KCDeviceMenu::saveOptions(const QString &path)
+{
+    KCMainProgDataExChange &host = m_frame.host();
+    std::string error;
+    if (!m_doc || !m_doc->HasDeviceX())
+        return false;
+    if (!KCOptionSettingsFile::save(path.toStdString(), m_doc->AlgoParam().algoUiData(), m_doc->GetDeviceName(),
+                                    &error)) {
+        host.ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + error);
+        return false;
+    }
+    host.ShowMessage("Options of " + m_doc->GetDeviceName() + " saved to " + path.toStdString());
+    return true;
+}
+
+bool KCDeviceMenu::loadOptions(const QString &path)
+{
+    KCMainProgDataExChange &host = m_frame.host();
+    if (!m_doc || !m_doc->HasDeviceX())
+        return false;
+    TAG_UI_ALGODATA_KRL3 record = m_doc->AlgoParam().algoUiData();
+    std::string device, error;
+    if (!KCOptionSettingsFile::load(path.toStdString(), record, &device, &error)) {
+        host.ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + error);
+        return false;
+    }
+    if (device != m_doc->GetDeviceName())
+        host.ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Warning) + path.toStdString() + " : options of " +
+                         device + " loaded into " + m_doc->GetDeviceName());
+    m_doc->AlgoParam().algoUiData() = record;
+    m_doc->UpdateAllViews(nullptr, DOCHINT_ALL);
+    host.ShowMessage("Options loaded from " + path.toStdString());
+    return true;
 }
 
 void KCDeviceMenu::addTo(QMenu *menu)
@@ -28,6 +103,10 @@ void KCDeviceMenu::addTo(QMenu *menu)
     menu->addAction(m_selectAction);
     m_recentMenu = menu->addMenu(tr("&Recent Devices"));
     menu->addAction(m_noDeviceAction);
+    menu->addSeparator();
+    menu->addAction(m_optionsDock->toggleViewAction());
+    menu->addAction(m_saveOptionsAction);
+    menu->addAction(m_loadOptionsAction);
     // The window's commands work wherever the focus is.
     m_frame.addAction(m_selectAction);
     updateRecentMenu();
@@ -43,7 +122,7 @@ void KCDeviceMenu::chooseDevice()
 bool KCDeviceMenu::confirmCut(const KCDataDoc &doc, const DEVICE_KRLXDEF_ITEM &device) const
 {
     const uint64_t cut = doc.definedBytesFrom(device.bufferSize);
-    if (cut == 0)
+    if (cut == 0 || (!doc.HavePathName() && !doc.IsModified()))
         return true;
     const std::string text = std::to_string(cut) + " bytes of the image lie beyond the " +
                              std::to_string(device.bufferSize) + " bytes of " + device.name +
@@ -70,6 +149,7 @@ bool KCDeviceMenu::select(const QString &name)
     }
     m_device = *device;
     remember(name);
+    setDocument(m_frame.document());
     host.ShowMessage("Device selected: " + device->name + " (" + device->vendor + ", " +
                      std::to_string(device->bufferSize) + " bytes)");
     emit deviceChanged();
@@ -81,6 +161,7 @@ bool KCDeviceMenu::deselect()
     if (KCDataDoc *doc = m_frame.document(); doc && !doc->deselectDeviceItem())
         return false;
     m_device.reset();
+    setDocument(m_frame.document());
     emit deviceChanged();
     return true;
 }

@@ -9,6 +9,8 @@
 
 class KCAppSettings;
 class KCDataDoc;
+class KCDeviceOptions;
+class QDockWidget;
 class KCMainFrame;
 class QAction;
 class QMenu;
@@ -36,6 +38,13 @@ public:
     void applyTo(KCDataDoc &doc) const;
     // Device > Select Device: the list dialog.
     void chooseDevice();
+    // The document the options view edits; null before it goes.
+    void setDocument(KCDataDoc *doc);
+    KCDeviceOptions *optionsView() const { return m_options; }
+    QDockWidget *optionsDock() const { return m_optionsDock; }
+    // Device > Save Options / Load Options: the option settings of the device as a file.
+    bool saveOptions(const QString &path);
+    bool loadOptions(const QString &path);
 
 signals:
     void deviceChanged();
@@ -52,5 +61,10 @@ private:
     std::optional<DEVICE_KRLXDEF_ITEM> m_device;
     QAction *m_selectAction;
     QAction *m_noDeviceAction;
+    QAction *m_saveOptionsAction;
+    QAction *m_loadOptionsAction;
+    QDockWidget *m_optionsDock;
+    KCDeviceOptions *m_options;
+    KCDataDoc *m_doc = nullptr;
     QMenu *m_recentMenu = nullptr;
 };

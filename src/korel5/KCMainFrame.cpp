@@ -453,6 +453,7 @@ void KCMainFrame::install(std::unique_ptr<KCDataDoc> doc)
     m_doc = std::move(doc);
     m_doc->undoHistory().setBudget(m_settings.undoBudgetBytes());
     m_watcher->watch(m_doc.get());
+    m_devices->setDocument(m_doc.get());
     KCDataView *view = newWindow();
     if (view) {
         view->parentWidget()->showMaximized();
@@ -560,6 +561,7 @@ bool KCMainFrame::closeDocument(bool ask)
     for (QMdiSubWindow *w : windows)
         delete w;
     m_watcher->watch(nullptr);
+    m_devices->setDocument(nullptr);
     m_doc->OnCloseDocument();
     m_doc.reset();
     m_closingDocument = false;

@@ -64,11 +64,15 @@ int KCDataDoc::selectDevice(const DEVICE_KRLXDEF_ITEM &device)
     // The device fixes the buffer. Bytes inside it stay; anything beyond is cut off.
     cByteBuffer &buffer = m_algoParam->buffer(0);
     if (buffer.size() != device.bufferSize) {
+        // A fresh, untouched buffer holds nothing to keep: it becomes the device's blank one.
+        const bool fresh = !HavePathName() && !IsModified();
         materializeGaps();
-        const bool cuts = definedBytesFrom(device.bufferSize) != 0;
+        const bool cuts = !fresh && definedBytesFrom(device.bufferSize) != 0;
         buffer.resize(device.bufferSize, fillByte());
         m_dataMap.truncate(device.bufferSize);
         m_changedMap.truncate(device.bufferSize);
+        if (fresh)
+            defineWholeBuffer();
         m_undo.clear(!cuts && !IsModified());
         if (cuts)
             SetModifiedFlag(1);

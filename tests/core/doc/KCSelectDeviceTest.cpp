@@ -95,6 +95,8 @@ TEST_F(SelectDevice, FlashFarUpIsShownAndLoadedAtItsOwnAddresses)
 TEST_F(SelectDevice, AreasOfOneBufferAndFuseMaps)
 {
     ASSERT_EQ(doc.selectDevice(device("PIC", DEVICE_KIND_PIC18F, 0x7100)), 1);
+    EXPECT_FALSE(doc.IsModified()); // a fresh buffer had nothing to cut
+    EXPECT_EQ(doc.dataMap().countIn(0, UINT64_MAX), 0x7100u);
     EXPECT_EQ(view.GetBufferLayoutName(), LAYOUT_BYTEVIEW_PIC18F);
     EXPECT_EQ(doc.GetBufferSize(), 0x7100u);
 
