@@ -1,3 +1,10 @@
 list(APPEND KRLDV_CORE_SOURCES
   bufops/KCBufferFillModel.cpp
+  bufops/KCLaneJob.cpp
+  bufops/KCShuffleBufferInitData.cpp
+  bufops/cBufferShuffle.cpp
+  bufops/cBufferSplit.cpp
+  bufops/cLaneCopy.cpp
+  bufops/cLaneError.cpp
+  bufops/cLaneNames.cpp
 )

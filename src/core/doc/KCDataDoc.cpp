@@ -416,6 +416,45 @@ bool KCDataDoc::FillRange(uint64_t first, uint64_t last, uint8_t value)
     return true;
 }
 
+bool KCDataDoc::ChangeRange(uint64_t first, uint64_t last, const char *name, const std::function<void()> &edit)
+{
+    const uint64_t size = GetBufferSize();
+    if (first > last || first >= size) {
+        edit(); // nothing of the range is in the buffer: the edit can only refuse
+        return true;
+    }
+    last = std::min(last, size - 1);
+    bool ownStep = false;
+    if (!beforeChange(first, last - first + 1, name, ownStep))
+        return false;
+    materializeGaps(first, last);
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    uint64_t a = 1, b = 0;
+    uint32_t before = 0;
+    if (param) {
+        a = std::max<uint64_t>(first, param->checksumStart);
+        b = std::min<uint64_t>(last, param->checksumEnd);
+        if (a <= b && b < size)
+            before = rangeSum(param->checksumKind, a, b);
+    }
+    auto account = [&] {
+        // Added to the map first: a gap's bytes count as what the buffer now holds.
+        m_dataMap.add(first, last);
+        if (param && a <= b && b < size)
+            param->checksum += rangeSum(param->checksumKind, a, b) - before;
+        noteWritten(first, last);
+        afterChange(ownStep);
+    };
+    try {
+        edit();
+    } catch (...) {
+        account();
+        throw;
+    }
+    account();
+    return true;
+}
+
 uint32_t KCDataDoc::checksumOf(uint64_t first, uint64_t last)
 {
     TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);

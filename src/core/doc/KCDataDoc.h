@@ -13,6 +13,7 @@
 #include "doc/cAlgoParam.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -140,11 +141,23 @@ public:
     const KCDataMap &changedMap() const { return m_changedMap; }
     // Makes [0, size) the whole image: a new buffer, or a file that defines every byte.
     void defineWholeBuffer();
+    // Makes the whole buffer fill: a new document that is to receive its data later.
+    void defineNothing()
+    {
+        m_dataMap.clear();
+        m_changedMap.clear();
+    }
     // Range writes: every write path of more than a byte goes through these, so the checksum,
     // the modified flag and both maps stay right. False (nothing changed) when the range does
     // not lie inside the buffer.
     bool WriteRange(uint64_t address, const uint8_t *bytes, uint64_t count);
     bool FillRange(uint64_t first, uint64_t last, uint8_t value);
+    // A change that code working on the buffer itself (the lane engines) makes inside
+    // [first, last], clipped to the buffer: one undo step named `name`, after which the
+    // checksum, both maps and the modified flag cover the range. What `edit` wrote before it
+    // threw stays written and is accounted for; the exception then passes on. False (nothing
+    // run) when the user refused a change too large to undo.
+    bool ChangeRange(uint64_t first, uint64_t last, const char *name, const std::function<void()> &edit);
     // Checksum of [first, last] with the kind of the selected view, without touching the
     // stored checksum; 0xFFFFFFFF without a buffer view. The range must lie in the buffer.
     uint32_t checksumOf(uint64_t first, uint64_t last);

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+class KCDataDoc;
+
+// Split and shuffle between documents: the engines run on the documents' buffers while each
+// document keeps its checksum, data map, modified state and undo right (one step per run).
+// Engine failures pass on as their integer codes (cLaneError).
+class KCLaneJob
+{
+public:
+    // Makes a fresh document ready to take a lane: a buffer of `size` fill bytes with nothing
+    // defined in it, titled after the source document and the lane ("image.hex [Odd  Byte]").
+    static bool PrepareLaneDoc(KCDataDoc &laneDoc, uint64_t size, const std::string &sourceTitle, uint32_t narrowBits,
+                               uint32_t wideBits, uint32_t laneNumber);
+    // The lane of source[first..last] into `dest` at (first / S) * D onwards; its data range
+    // then covers the lane and its checksum is recomputed. Returns the destination range.
+    static std::pair<uint64_t, uint64_t> SplitLane(KCDataDoc &source, uint64_t first, uint64_t last,
+                                                   uint32_t wideBits, uint32_t narrowBits, uint32_t lane,
+                                                   KCDataDoc &dest);
+    // source[first..last] into lane `lane` of `dest`; the data range of `dest` then covers the
+    // wide units written and its checksum is recomputed. Returns that range.
+    static std::pair<uint64_t, uint64_t> Shuffle(KCDataDoc &source, uint64_t first, uint64_t last,
+                                                 uint32_t narrowBits, uint32_t wideBits, uint32_t lane,
+                                                 KCDataDoc &dest);
+    // Sets a document's data range (and the device's range when one is selected).
+    static void SetDataRange(KCDataDoc &doc, uint64_t first, uint64_t last);
+    // Shuffles the lanes of a split back together in memory and compares them with
+    // source[first..last]: the first address that differs, none when identical.
+    static std::optional<uint64_t> RoundTrip(const KCDataDoc &source, uint64_t first, uint64_t last,
+                                             uint32_t wideBits, uint32_t narrowBits,
+                                             const std::vector<const KCDataDoc *> &lanes);
+    // Sum of the bytes first..last of a document's buffer, modulo 2^32.
+    static uint32_t ByteSum(const KCDataDoc &doc, uint64_t first, uint64_t last);
+};
