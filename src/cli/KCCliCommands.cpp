@@ -3,8 +3,11 @@
 #include "KCCliChecksumCommand.h"
 #include "KCCliConvertCommand.h"
 #include "KCCliFillCommand.h"
+#include "KCCliJoinCommand.h"
 #include "KCCliInfoCommand.h"
 #include "KCCliSerialCommand.h"
+#include "KCCliShuffleCommand.h"
+#include "KCCliSplitCommand.h"
 
 std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
 {
@@ -13,6 +16,9 @@ std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
     commands.push_back(std::make_unique<KCCliConvertCommand>());
     commands.push_back(std::make_unique<KCCliChecksumCommand>());
     commands.push_back(std::make_unique<KCCliFillCommand>());
+    commands.push_back(std::make_unique<KCCliSplitCommand>());
+    commands.push_back(std::make_unique<KCCliShuffleCommand>());
+    commands.push_back(std::make_unique<KCCliJoinCommand>());
     commands.push_back(std::make_unique<KCCliSerialCommand>());
     return commands;
 }

@@ -1,0 +1,56 @@
+#include "KCCliLaneArgs.h"
+
+#include "KCCliArgs.h"
+#include "bufops/cLaneError.h"
+#include "doc/KCDataDoc.h"
+
+#include "KCCliCommand.h"
+
+#include <cstdio>
+
+namespace {
+
+bool isLaneWidth(uint64_t bits)
+{
+    return bits == 8 || bits == 16 || bits == 32 || bits == 64;
+}
+
+} // namespace
+
+bool KCCliLaneArgs::parseWidths(const std::string &text, uint32_t &first, uint32_t &second)
+{
+    const size_t colon = text.find(':');
+    uint64_t a = 0, b = 0;
+    if (colon == std::string::npos || !KCCliArgs::parseNumber(text.substr(0, colon), a)
+        || !KCCliArgs::parseNumber(text.substr(colon + 1), b) || !isLaneWidth(a) || !isLaneWidth(b))
+        return false;
+    first = uint32_t(a);
+    second = uint32_t(b);
+    return true;
+}
+
+bool KCCliLaneArgs::dataRange(const KCDataDoc &doc, uint32_t unit, uint64_t &first, uint64_t &last)
+{
+    const std::vector<KCAddressRange> ranges = doc.dataMap().ranges();
+    if (ranges.empty())
+        return false;
+    first = ranges.front().first / unit * unit;
+    last = (ranges.back().second / unit + 1) * unit - 1;
+    return true;
+}
+
+bool KCCliLaneArgs::reach(KCDataDoc &doc, uint64_t last, const std::string &file)
+{
+    cByteBuffer &buffer = doc.AlgoParam().buffer(0);
+    if (last < buffer.size() || buffer.resize(last + 1, doc.fillByte()))
+        return true;
+    std::fprintf(stderr, "krldv: %s: not enough memory for 0x%llX bytes\n", file.c_str(),
+                 static_cast<unsigned long long>(last + 1));
+    return false;
+}
+
+int KCCliLaneArgs::refused(const std::string &file, const char *verb, int code)
+{
+    std::fprintf(stderr, "krldv: %s: %s refused (code %d): %s\n", file.c_str(), verb, code, cLaneError::Text(code));
+    return CLI_INPUT_ERROR;
+}
