@@ -103,21 +103,23 @@ int KCCliSplitCommand::run(const std::vector<std::string> &rawArgs)
                      static_cast<unsigned long long>(first));
 
     std::vector<std::unique_ptr<KCDataDoc>> docs;
+    std::vector<KCDataDoc *> targets;
     std::vector<const KCDataDoc *> parts;
-    std::vector<std::pair<uint64_t, uint64_t>> ranges;
-    try {
-        for (uint32_t lane = 0; lane < lanes; ++lane) {
-            docs.push_back(std::make_unique<KCDataDoc>());
-            KCDataDoc &doc = *docs.back();
-            doc.undoHistory().setBudget(0);
-            const uint64_t destLast = (last / (wide / 8) + 1) * (narrow / 8) - 1;
-            if (!KCLaneJob::PrepareLaneDoc(doc, destLast + 1, source.GetFileName(), narrow, wide, lane)) {
-                std::fprintf(stderr, "krldv: %s: not enough memory for the lanes\n", in.c_str());
-                return CLI_INPUT_ERROR;
-            }
-            ranges.push_back(KCLaneJob::SplitLane(source, first, last, wide, narrow, lane, doc));
-            parts.push_back(&doc);
+    const uint64_t destLast = (last / (wide / 8) + 1) * (narrow / 8) - 1;
+    for (uint32_t lane = 0; lane < lanes; ++lane) {
+        docs.push_back(std::make_unique<KCDataDoc>());
+        KCDataDoc &doc = *docs.back();
+        doc.undoHistory().setBudget(0);
+        if (!KCLaneJob::PrepareLaneDoc(doc, destLast + 1, source.GetFileName(), narrow, wide, lane)) {
+            std::fprintf(stderr, "krldv: %s: not enough memory for the lanes\n", in.c_str());
+            return CLI_INPUT_ERROR;
         }
+        targets.push_back(&doc);
+        parts.push_back(&doc);
+    }
+    std::pair<uint64_t, uint64_t> range;
+    try {
+        range = KCLaneJob::SplitLanes(source, first, last, wide, narrow, targets);
     } catch (int code) {
         return KCCliLaneArgs::refused(in, "split", code);
     }
@@ -128,9 +130,8 @@ int KCCliSplitCommand::run(const std::vector<std::string> &rawArgs)
         if (!doc.OnSaveDocument(path.c_str()))
             return CLI_INPUT_ERROR;
         std::printf("%s  lane %u \"%s\"  0x%08llX-0x%08llX  sum 0x%08X\n", path.c_str(), lane,
-                    cLaneNames::NameOf(narrow, wide, lane).c_str(), static_cast<unsigned long long>(ranges[lane].first),
-                    static_cast<unsigned long long>(ranges[lane].second),
-                    KCLaneJob::ByteSum(doc, ranges[lane].first, ranges[lane].second));
+                    cLaneNames::NameOf(narrow, wide, lane).c_str(), static_cast<unsigned long long>(range.first),
+                    static_cast<unsigned long long>(range.second), KCLaneJob::ByteSum(doc, range.first, range.second));
     }
     const std::optional<uint64_t> differs = KCLaneJob::RoundTrip(source, first, last, wide, narrow, parts);
     if (differs)

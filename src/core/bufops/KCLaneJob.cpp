@@ -2,17 +2,31 @@
 
 #include "bufops/cBufferShuffle.h"
 #include "bufops/cBufferSplit.h"
+#include "bufops/cByteWindow.h"
 #include "bufops/cLaneNames.h"
 #include "doc/KCDataDoc.h"
 #include "doc/cBufferSum.h"
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 namespace {
 
-// Bytes compared at a time when looking for the first difference.
-constexpr uint64_t CompareBlock = 64 * 1024;
+// Bytes of the source rebuilt from the lanes at a time by the round trip.
+constexpr uint64_t RoundTripBlock = 1024 * 1024;
+
+// Runs `edit` inside one change of each document from `from` on, so that each keeps its
+// checksum, map and undo for whatever the edit wrote, also when it throws.
+void changeEach(const std::vector<KCDataDoc *> &docs, size_t from, uint64_t first, uint64_t last,
+                const std::function<void()> &edit)
+{
+    if (from == docs.size()) {
+        edit();
+        return;
+    }
+    docs[from]->ChangeRange(first, last, "Split", [&] { changeEach(docs, from + 1, first, last, edit); });
+}
 
 } // namespace
 
@@ -39,6 +53,28 @@ std::pair<uint64_t, uint64_t> KCLaneJob::SplitLane(KCDataDoc &source, uint64_t f
     dest.ChangeRange(destFirst, destLast, "Split", [&] { split.Run(first, last, lane); });
     SetDataRange(dest, destFirst, destLast);
     dest.ComputeCheckSum(-1);
+    return {destFirst, destLast};
+}
+
+std::pair<uint64_t, uint64_t> KCLaneJob::SplitLanes(KCDataDoc &source, uint64_t first, uint64_t last,
+                                                    uint32_t wideBits, uint32_t narrowBits,
+                                                    const std::vector<KCDataDoc *> &lanes)
+{
+    std::vector<KCByteArray *> buffers;
+    for (KCDataDoc *lane : lanes)
+        buffers.push_back(&lane->AlgoParam().buffer(0));
+    // The engine checks the widths before anything is touched.
+    const cBufferSplit any(source.AlgoParam().buffer(0), wideBits, source.AlgoParam().buffer(0), narrowBits);
+    const uint64_t destFirst = any.GetDestStart(first);
+    const uint64_t destLast = any.GetDestEnd(last);
+    source.materializeGaps(first, last);
+    changeEach(lanes, 0, destFirst, destLast, [&] {
+        cBufferSplit::RunAllLanes(source.AlgoParam().buffer(0), wideBits, buffers, narrowBits, first, last);
+    });
+    for (KCDataDoc *lane : lanes) {
+        SetDataRange(*lane, destFirst, destLast);
+        lane->ComputeCheckSum(-1);
+    }
     return {destFirst, destLast};
 }
 
@@ -75,32 +111,32 @@ std::optional<uint64_t> KCLaneJob::RoundTrip(const KCDataDoc &source, uint64_t f
                                              const std::vector<const KCDataDoc *> &lanes)
 {
     const cByteBuffer &original = source.AlgoParam().buffer(0);
-    if (first > last || last >= original.size())
+    const uint64_t wideUnit = wideBits / 8, narrowUnit = narrowBits / 8;
+    if (first > last || last >= original.size() || !wideUnit || !narrowUnit)
         return first;
-    cByteBuffer rebuilt;
-    rebuilt.setLazy(true);
-    for (uint32_t lane = 0; lane < lanes.size(); ++lane) {
-        KCByteArray &narrow = const_cast<cByteBuffer &>(lanes[lane]->AlgoParam().buffer(0));
-        cBufferShuffle shuffle(narrow, narrowBits, rebuilt, wideBits);
-        const uint64_t narrowFirst = first / (wideBits / 8) * (narrowBits / 8);
-        const uint64_t narrowLast = std::min<uint64_t>((last / (wideBits / 8) + 1) * (narrowBits / 8),
-                                                       narrow.size()) - 1;
-        if (narrow.size() == 0 || narrowFirst > narrowLast)
-            continue;
-        const uint64_t need = std::max(shuffle.GetDestEnd(narrowLast), shuffle.MapAddress(narrowLast, lane)) + 1;
-        if (rebuilt.size() < need && !rebuilt.resize(need, 0))
-            return first;
-        shuffle.Run(narrowFirst, narrowLast, lane);
-    }
-    if (rebuilt.size() <= last)
-        rebuilt.resize(last + 1, 0);
-    for (uint64_t a = first; a <= last; a += CompareBlock) {
-        const uint64_t n = std::min(CompareBlock, last - a + 1);
-        if (std::memcmp(original.data() + a, rebuilt.data() + a, n) == 0)
+    // The lanes go back a block of wide units at a time, so the check needs no second image.
+    const uint64_t blockUnits = RoundTripBlock / wideUnit;
+    std::vector<uint8_t> block(blockUnits * wideUnit);
+    for (uint64_t unit = first / wideUnit; unit <= last / wideUnit; unit += blockUnits) {
+        const uint64_t units = std::min(blockUnits, last / wideUnit - unit + 1);
+        cByteWindow wide(block.data(), units * wideUnit);
+        std::fill(block.begin(), block.end(), 0);
+        for (uint32_t lane = 0; lane < lanes.size(); ++lane) {
+            cByteBuffer &laneBuffer = const_cast<cByteBuffer &>(lanes[lane]->AlgoParam().buffer(0));
+            const uint64_t narrowFirst = unit * narrowUnit;
+            if (laneBuffer.size() < narrowFirst + units * narrowUnit)
+                return std::max(first, unit * wideUnit); // a lane too short for the range
+            cByteWindow narrow(laneBuffer.data() + narrowFirst, units * narrowUnit);
+            cBufferShuffle(narrow, narrowBits, wide, wideBits).Run(0, units * narrowUnit - 1, lane);
+        }
+        const uint64_t from = std::max(first, unit * wideUnit);
+        const uint64_t to = std::min(last, (unit + units) * wideUnit - 1);
+        const uint8_t *rebuilt = block.data() + (from - unit * wideUnit);
+        if (std::memcmp(original.data() + from, rebuilt, to - from + 1) == 0)
             continue;
         for (uint64_t i = 0;; ++i) {
-            if (original.data()[a + i] != rebuilt.data()[a + i])
-                return a + i;
+            if (original.data()[from + i] != rebuilt[i])
+                return from + i;
         }
     }
     return std::nullopt;

@@ -22,6 +22,11 @@ public:
     static std::pair<uint64_t, uint64_t> SplitLane(KCDataDoc &source, uint64_t first, uint64_t last,
                                                    uint32_t wideBits, uint32_t narrowBits, uint32_t lane,
                                                    KCDataDoc &dest);
+    // Every lane at once, lane l into lanes[l], each one step of its document's undo; the
+    // bytes of SplitLane for l = 0, 1, ... with the source read once. Returns the range of each.
+    static std::pair<uint64_t, uint64_t> SplitLanes(KCDataDoc &source, uint64_t first, uint64_t last,
+                                                    uint32_t wideBits, uint32_t narrowBits,
+                                                    const std::vector<KCDataDoc *> &lanes);
     // source[first..last] into lane `lane` of `dest`; the data range of `dest` then covers the
     // wide units written and its checksum is recomputed. Returns that range.
     static std::pair<uint64_t, uint64_t> Shuffle(KCDataDoc &source, uint64_t first, uint64_t last,

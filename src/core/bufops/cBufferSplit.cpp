@@ -65,3 +65,29 @@ void cBufferSplit::Run(uint64_t first, uint64_t last, uint32_t lane)
     }
     cLaneCopy::Gather(m_dest.data() + dest, m_source.data() + start, m_sourceUnit, m_destUnit, units);
 }
+
+void cBufferSplit::RunAllLanes(KCByteArray &source, uint32_t sourceWidth, const std::vector<KCByteArray *> &dests,
+                               uint32_t destWidth, uint64_t first, uint64_t last)
+{
+    std::vector<cBufferSplit> lanes;
+    for (KCByteArray *dest : dests)
+        lanes.emplace_back(source, sourceWidth, *dest, destWidth);
+    if (lanes.empty())
+        return;
+    const cBufferSplit &any = lanes.front();
+    any.checkRange(first, last);
+    const uint64_t units = (last - first + 1) / any.m_sourceUnit;
+    const uint64_t dest = any.GetDestStart(first);
+    bool onePass = dests.size() == any.m_sourceUnit / any.m_destUnit && source.data() && last < source.size();
+    std::vector<uint8_t *> out;
+    for (KCByteArray *d : dests) {
+        onePass = onePass && d != &source && d->data() && dest + units * any.m_destUnit <= d->size();
+        out.push_back(onePass ? d->data() + dest : nullptr);
+    }
+    if (!onePass) {
+        for (uint32_t lane = 0; lane < lanes.size(); ++lane)
+            lanes[lane].Run(first, last, lane);
+        return;
+    }
+    cLaneCopy::GatherLanes(out.data(), source.data() + first, any.m_sourceUnit, any.m_destUnit, units);
+}

@@ -434,8 +434,10 @@ bool KCDataDoc::ChangeRange(uint64_t first, uint64_t last, const char *name, con
     if (param) {
         a = std::max<uint64_t>(first, param->checksumStart);
         b = std::min<uint64_t>(last, param->checksumEnd);
+        // A change over the whole checksum range takes away all of the kept sum: nothing to read.
+        const bool whole = a == param->checksumStart && b == param->checksumEnd;
         if (a <= b && b < size)
-            before = rangeSum(param->checksumKind, a, b);
+            before = whole ? param->checksum : rangeSum(param->checksumKind, a, b);
     }
     auto account = [&] {
         // Added to the map first: a gap's bytes count as what the buffer now holds.

@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <random>
 
 namespace {
@@ -83,6 +84,34 @@ TEST(cBufferSplit, FastCopyGivesTheBytesOfThePerByteCopy)
                 cBufferSplit(wide, w, slow, n).RunPerByte(first, last, lane);
                 ASSERT_EQ(0, std::memcmp(fast.data(), slow.data(), fast.size())) << w << "->" << n << " lane " << lane;
             }
+        }
+    }
+}
+
+TEST(cBufferSplit, AllLanesInOnePassGiveTheBytesOfOneLaneAfterTheOther)
+{
+    std::mt19937 rng(13);
+    const uint32_t widths[] = {8, 16, 32, 64};
+    cByteBuffer wide(8192);
+    for (uint64_t i = 0; i < wide.size(); ++i)
+        wide.SetAt(i, uint8_t(rng()));
+    for (uint32_t w : widths) {
+        for (uint32_t n : widths) {
+            if (n >= w)
+                continue;
+            // Long enough for the vector loops, with a tail after them.
+            const uint64_t first = 8 * (rng() % 40), last = first + (100 + rng() % 400) * (w / 8) - 1;
+            std::vector<std::unique_ptr<cByteBuffer>> fast, slow;
+            std::vector<KCByteArray *> lanes;
+            for (uint32_t lane = 0; lane < w / n; ++lane) {
+                fast.push_back(std::make_unique<cByteBuffer>(4096, 0xFF));
+                slow.push_back(std::make_unique<cByteBuffer>(4096, 0xFF));
+                lanes.push_back(fast.back().get());
+                cBufferSplit(wide, w, *slow.back(), n).RunPerByte(first, last, lane);
+            }
+            cBufferSplit::RunAllLanes(wide, w, lanes, n, first, last);
+            for (uint32_t lane = 0; lane < w / n; ++lane)
+                ASSERT_EQ(0, std::memcmp(fast[lane]->data(), slow[lane]->data(), 4096)) << w << "->" << n << " lane " << lane;
         }
     }
 }
