@@ -62,7 +62,7 @@ int KCCliJoinCommand::run(const std::vector<std::string> &rawArgs)
         if (!KCCliImageLoader::load(narrowDoc, path, a.value("format")))
             return CLI_INPUT_ERROR;
         uint64_t first = 0, last = 0;
-        if (!KCCliLaneArgs::dataRange(narrowDoc, narrow / 8, first, last))
+        if (!KCLaneJob::DataRange(narrowDoc, narrow / 8, first, last))
             continue;
         const uint64_t destLast = (last / (narrow / 8) + 1) * (wide / 8) - 1;
         if (!KCCliLaneArgs::reach(narrowDoc, last, path) || !KCCliLaneArgs::reach(joined, destLast, a.value("output")))

@@ -29,16 +29,6 @@ bool KCCliLaneArgs::parseWidths(const std::string &text, uint32_t &first, uint32
     return true;
 }
 
-bool KCCliLaneArgs::dataRange(const KCDataDoc &doc, uint32_t unit, uint64_t &first, uint64_t &last)
-{
-    const std::vector<KCAddressRange> ranges = doc.dataMap().ranges();
-    if (ranges.empty())
-        return false;
-    first = ranges.front().first / unit * unit;
-    last = (ranges.back().second / unit + 1) * unit - 1;
-    return true;
-}
-
 bool KCCliLaneArgs::reach(KCDataDoc &doc, uint64_t last, const std::string &file)
 {
     cByteBuffer &buffer = doc.AlgoParam().buffer(0);

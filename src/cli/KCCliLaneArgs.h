@@ -5,16 +5,13 @@
 
 class KCDataDoc;
 
-// What the lane commands (split, shuffle, join) share: their width pairs, the default range
-// of an image and how an engine's refusal reads.
+// What the lane commands (split, shuffle, join) share: their width pairs, growing an image to
+// a range and how an engine's refusal reads.
 class KCCliLaneArgs
 {
 public:
     // "A:B" in bits, each 8, 16, 32 or 64; false otherwise.
     static bool parseWidths(const std::string &text, uint32_t &first, uint32_t &second);
-    // The image's data from its lowest to its highest defined address, widened to whole units
-    // of `unit` bytes; false when the image holds no data.
-    static bool dataRange(const KCDataDoc &doc, uint32_t unit, uint64_t &first, uint64_t &last);
     // Grows the buffer with fill bytes to hold address `last`; false (message) without memory.
     static bool reach(KCDataDoc &doc, uint64_t last, const std::string &file);
     // "krldv: FILE: VERB refused (code N): why" on stderr; returns the exit status.

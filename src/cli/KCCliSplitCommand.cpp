@@ -92,7 +92,7 @@ int KCCliSplitCommand::run(const std::vector<std::string> &rawArgs)
     const std::string &in = a.positional()[0];
     if (!KCCliImageLoader::load(source, in, a.value("format")))
         return CLI_INPUT_ERROR;
-    if (!a.has("range") && !KCCliLaneArgs::dataRange(source, wide / 8, first, last)) {
+    if (!a.has("range") && !KCLaneJob::DataRange(source, wide / 8, first, last)) {
         std::fprintf(stderr, "krldv: %s: the image holds no data to split\n", in.c_str());
         return CLI_INPUT_ERROR;
     }

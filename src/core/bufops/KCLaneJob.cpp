@@ -142,6 +142,16 @@ std::optional<uint64_t> KCLaneJob::RoundTrip(const KCDataDoc &source, uint64_t f
     return std::nullopt;
 }
 
+bool KCLaneJob::DataRange(const KCDataDoc &doc, uint32_t unit, uint64_t &first, uint64_t &last)
+{
+    const std::vector<KCAddressRange> ranges = doc.dataMap().ranges();
+    if (ranges.empty() || unit == 0)
+        return false;
+    first = ranges.front().first / unit * unit;
+    last = (ranges.back().second / unit + 1) * unit - 1;
+    return true;
+}
+
 uint32_t KCLaneJob::ByteSum(const KCDataDoc &doc, uint64_t first, uint64_t last)
 {
     const cByteBuffer &buffer = doc.AlgoParam().buffer(0);

@@ -39,6 +39,9 @@ public:
     static std::optional<uint64_t> RoundTrip(const KCDataDoc &source, uint64_t first, uint64_t last,
                                              uint32_t wideBits, uint32_t narrowBits,
                                              const std::vector<const KCDataDoc *> &lanes);
+    // The document's data from its lowest to its highest defined address, widened to whole
+    // units of `unit` bytes; false when it holds no data.
+    static bool DataRange(const KCDataDoc &doc, uint32_t unit, uint64_t &first, uint64_t &last);
     // Sum of the bytes first..last of a document's buffer, modulo 2^32.
     static uint32_t ByteSum(const KCDataDoc &doc, uint64_t first, uint64_t last);
 };

@@ -1,1 +1,5 @@
-list(APPEND KRLDV_GUI_TEST_SOURCES bufops/KCBufferFillTest.cpp)
+list(APPEND KRLDV_GUI_TEST_SOURCES
+  bufops/KCBufferFillTest.cpp
+  bufops/KCShuffleBufferTest.cpp
+  bufops/KCSplitBufferTest.cpp
+)
