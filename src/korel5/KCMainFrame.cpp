@@ -111,7 +111,9 @@ KCMainFrame::KCMainFrame(const QString &settingsFile, QWidget *parent)
 
 KCMainFrame::~KCMainFrame()
 {
-    closeDocument(false);
+    // Each close makes the next document current.
+    while (m_doc)
+        closeDocument(false);
     m_watcher.reset();
     if (KCDataView::m_pFont == &m_viewFont)
         KCDataView::m_pFont = nullptr;
@@ -127,6 +129,12 @@ void KCMainFrame::createDocks()
     addDockWidget(Qt::BottomDockWidgetArea, messageDock);
 
     m_tree = new KCWorkspaceTree(this);
+    m_tree->setOtherDocuments([this] {
+        std::vector<KCDataDoc *> others;
+        for (const auto &doc : m_otherDocs)
+            others.push_back(doc.get());
+        return others;
+    });
     auto *treeDock = new QDockWidget(tr("Workspace"), this);
     treeDock->setObjectName("workspaceDock");
     treeDock->setWidget(m_tree);
@@ -368,8 +376,15 @@ void KCMainFrame::createMenus()
     buffer->addAction(m_takeSerialAction);
 
     QMenu *window = menuBar()->addMenu(tr("&Window"));
-    window->addAction(tr("&Tile"), m_mdi, &QMdiArea::tileSubWindows);
-    window->addAction(tr("&Cascade"), m_mdi, &QMdiArea::cascadeSubWindows);
+    // Windows no longer maximized show their titles again.
+    window->addAction(tr("&Tile"), this, [this] {
+        m_mdi->tileSubWindows();
+        updateTitle();
+    });
+    window->addAction(tr("&Cascade"), this, [this] {
+        m_mdi->cascadeSubWindows();
+        updateTitle();
+    });
     window->addAction(tr("&Next"), QKeySequence(Qt::CTRL | Qt::Key_F6), m_mdi, &QMdiArea::activateNextSubWindow);
     updateRecentMenu();
 }
