@@ -10,6 +10,7 @@
 #include "fileio/KCFormatNames.h"
 
 #include <cstdio>
+#include <memory>
 
 const char *KCCliJoinCommand::usage() const
 {
@@ -55,33 +56,24 @@ int KCCliJoinCommand::run(const std::vector<std::string> &rawArgs)
     KCDataDoc joined;
     joined.undoHistory().setBudget(0);
     joined.defineNothing();
-    uint64_t low = UINT64_MAX, high = 0;
-    for (uint32_t lane = 0; lane < a.positional().size(); ++lane) {
-        const std::string &path = a.positional()[lane];
-        KCDataDoc narrowDoc;
-        if (!KCCliImageLoader::load(narrowDoc, path, a.value("format")))
+    std::vector<std::unique_ptr<KCDataDoc>> lanes;
+    std::vector<KCDataDoc *> parts;
+    for (const std::string &path : a.positional()) {
+        lanes.push_back(std::make_unique<KCDataDoc>());
+        if (!KCCliImageLoader::load(*lanes.back(), path, a.value("format")))
             return CLI_INPUT_ERROR;
-        uint64_t first = 0, last = 0;
-        if (!KCLaneJob::DataRange(narrowDoc, narrow / 8, first, last))
-            continue;
-        const uint64_t destLast = (last / (narrow / 8) + 1) * (wide / 8) - 1;
-        if (!KCCliLaneArgs::reach(narrowDoc, last, path) || !KCCliLaneArgs::reach(joined, destLast, a.value("output")))
-            return CLI_INPUT_ERROR;
-        try {
-            const auto range = KCLaneJob::Shuffle(narrowDoc, first, last, narrow, wide, lane, joined);
-            low = std::min(low, range.first);
-            high = std::max(high, range.second);
-        } catch (int code) {
-            return KCCliLaneArgs::refused(path, "join", code);
-        }
+        parts.push_back(lanes.back().get());
     }
-    if (low > high) {
+    std::pair<uint64_t, uint64_t> range;
+    try {
+        range = KCLaneJob::Join(parts, narrow, wide, joined);
+    } catch (int code) {
+        return KCCliLaneArgs::refused(a.value("output"), "join", code);
+    }
+    if (range.first > range.second) {
         std::fprintf(stderr, "krldv: %s: the lanes hold no data to join\n", a.positional()[0].c_str());
         return CLI_INPUT_ERROR;
     }
-    // The joined image's data range covers every lane, not only the last one shuffled.
-    KCLaneJob::SetDataRange(joined, low, high);
-    joined.ComputeCheckSum(-1);
     joined.mainBufferParam()->fileType = KCFormatNames::loadSaveType(to->name);
     return joined.OnSaveDocument(a.value("output").c_str()) ? CLI_OK : CLI_INPUT_ERROR;
 }

@@ -1,6 +1,7 @@
 #include "KCMainFrame.h"
 
 #include "bufops/KCBufferFill.h"
+#include "bufops/KCJoinLanes.h"
 #include "bufops/KCShuffleBuffer.h"
 #include "bufops/KCSplitBuffer.h"
 #include "host/KCNumberText.h"
@@ -300,6 +301,18 @@ void KCMainFrame::createActions()
         dialog.exec();
     });
 
+    m_joinAction = new QAction(tr("&Join Lanes..."), this);
+    connect(m_joinAction, &QAction::triggered, this, [this] {
+        // The documents in the order of their windows.
+        std::vector<KCDataDoc *> docs;
+        for (QMdiSubWindow *w : m_mdi->subWindowList())
+            if (auto *view = qobject_cast<KCDataView *>(w->widget()))
+                if (std::find(docs.begin(), docs.end(), view->document()) == docs.end())
+                    docs.push_back(view->document());
+        KCJoinLanes dialog(docs, [this] { return addDocument(); }, this);
+        dialog.exec();
+    });
+
     m_serialAction = new QAction(tr("Serial &Numbers..."), this);
     connect(m_serialAction, &QAction::triggered, this, [this] {
         if (!m_doc)
@@ -371,6 +384,7 @@ void KCMainFrame::createMenus()
     buffer->addAction(m_swapAction);
     buffer->addAction(m_splitAction);
     buffer->addAction(m_shuffleAction);
+    buffer->addAction(m_joinAction);
     buffer->addSeparator();
     buffer->addAction(m_serialAction);
     buffer->addAction(m_takeSerialAction);
@@ -758,6 +772,7 @@ void KCMainFrame::updateActions()
     m_swapAction->setEnabled(hasDoc);
     m_splitAction->setEnabled(hasDoc);
     m_shuffleAction->setEnabled(hasDoc && !m_otherDocs.empty());
+    m_joinAction->setEnabled(hasDoc && !m_otherDocs.empty());
     m_serialAction->setEnabled(hasDoc);
     m_takeSerialAction->setEnabled(hasDoc && m_doc->serialMode() != 0);
     m_newWindowAction->setEnabled(hasDoc);

@@ -138,6 +138,7 @@ private:
     QAction *m_swapAction = nullptr;
     QAction *m_splitAction = nullptr;
     QAction *m_shuffleAction = nullptr;
+    QAction *m_joinAction = nullptr;
     QAction *m_serialAction = nullptr;
     QAction *m_takeSerialAction = nullptr;
     QActionGroup *m_layoutGroup = nullptr;

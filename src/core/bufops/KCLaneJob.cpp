@@ -95,6 +95,42 @@ std::pair<uint64_t, uint64_t> KCLaneJob::Shuffle(KCDataDoc &source, uint64_t fir
     return {destFirst, destLast};
 }
 
+std::pair<uint64_t, uint64_t> KCLaneJob::Join(const std::vector<KCDataDoc *> &lanes, uint32_t narrowBits,
+                                              uint32_t wideBits, KCDataDoc &dest)
+{
+    // The widths are checked before anything is touched.
+    const cBufferShuffle any(dest.AlgoParam().buffer(0), narrowBits, dest.AlgoParam().buffer(0), wideBits);
+    uint64_t low = UINT64_MAX, high = 0;
+    dest.beginAction("Join");
+    try {
+        for (uint32_t lane = 0; lane < lanes.size(); ++lane) {
+            uint64_t first = 0, last = 0;
+            if (!DataRange(*lanes[lane], any.GetSourceUnit(), first, last))
+                continue;
+            Reach(*lanes[lane], last);
+            Reach(dest, std::max(any.GetDestEnd(last), any.MapAddress(last, lane)));
+            const auto range = Shuffle(*lanes[lane], first, last, narrowBits, wideBits, lane, dest);
+            low = std::min(low, range.first);
+            high = std::max(high, range.second);
+        }
+    } catch (...) {
+        dest.endAction();
+        throw;
+    }
+    dest.endAction();
+    if (low <= high) {
+        SetDataRange(dest, low, high);
+        dest.ComputeCheckSum(-1);
+    }
+    return {low, high};
+}
+
+bool KCLaneJob::Reach(KCDataDoc &doc, uint64_t last)
+{
+    cByteBuffer &buffer = doc.AlgoParam().buffer(0);
+    return last < buffer.size() || buffer.resize(last + 1, doc.fillByte());
+}
+
 void KCLaneJob::SetDataRange(KCDataDoc &doc, uint64_t first, uint64_t last)
 {
     TAG_BUFFER_PARAM *param = doc.mainBufferParam();

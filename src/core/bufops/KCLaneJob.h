@@ -32,6 +32,14 @@ public:
     static std::pair<uint64_t, uint64_t> Shuffle(KCDataDoc &source, uint64_t first, uint64_t last,
                                                  uint32_t narrowBits, uint32_t wideBits, uint32_t lane,
                                                  KCDataDoc &dest);
+    // Lane l's data into lane l of `dest` for every lane, as one step of its undo: the inverse
+    // of a split. Lanes and `dest` grow with fill bytes as needed (a buffer that cannot grow
+    // refuses as a too small one does); the data range of `dest` then covers every lane.
+    // Returns that range, first > second when no lane holds data.
+    static std::pair<uint64_t, uint64_t> Join(const std::vector<KCDataDoc *> &lanes, uint32_t narrowBits,
+                                              uint32_t wideBits, KCDataDoc &dest);
+    // Grows a document's buffer with fill bytes to hold address `last`; false without memory.
+    static bool Reach(KCDataDoc &doc, uint64_t last);
     // Sets a document's data range (and the device's range when one is selected).
     static void SetDataRange(KCDataDoc &doc, uint64_t first, uint64_t last);
     // Shuffles the lanes of a split back together in memory and compares them with

@@ -1,5 +1,6 @@
 list(APPEND KRLDV_CORE_SOURCES
   bufops/KCBufferFillModel.cpp
+  bufops/KCJoinLanesModel.cpp
   bufops/KCLaneJob.cpp
   bufops/KCShuffleBufferInitData.cpp
   bufops/KCShuffleBufferModel.cpp
