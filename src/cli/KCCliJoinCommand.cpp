@@ -55,7 +55,8 @@ int KCCliJoinCommand::run(const std::vector<std::string> &rawArgs)
     KCCliHost host;
     KCDataDoc joined;
     joined.undoHistory().setBudget(0);
-    joined.defineNothing();
+    joined.setSparse(true);
+    joined.makeSparseImage(0);
     std::vector<std::unique_ptr<KCDataDoc>> lanes;
     std::vector<KCDataDoc *> parts;
     for (const std::string &path : a.positional()) {

@@ -1,6 +1,7 @@
 #include "KCCliLaneArgs.h"
 
 #include "KCCliArgs.h"
+#include "bufops/KCLaneJob.h"
 #include "bufops/cLaneError.h"
 #include "doc/KCDataDoc.h"
 
@@ -31,8 +32,7 @@ bool KCCliLaneArgs::parseWidths(const std::string &text, uint32_t &first, uint32
 
 bool KCCliLaneArgs::reach(KCDataDoc &doc, uint64_t last, const std::string &file)
 {
-    cByteBuffer &buffer = doc.AlgoParam().buffer(0);
-    if (last < buffer.size() || buffer.resize(last + 1, doc.fillByte()))
+    if (KCLaneJob::Reach(doc, last))
         return true;
     std::fprintf(stderr, "krldv: %s: not enough memory for 0x%llX bytes\n", file.c_str(),
                  static_cast<unsigned long long>(last + 1));

@@ -81,17 +81,22 @@ int KCCliShuffleCommand::run(const std::vector<std::string> &rawArgs)
             return CLI_INPUT_ERROR;
     } else {
         dest.undoHistory().setBudget(0);
-        dest.defineNothing();
+        dest.setSparse(true);
+        dest.makeSparseImage(0);
     }
     const uint64_t destLast = (last / (narrow / 8) + 1) * (wide / 8) - 1;
     if (!KCCliLaneArgs::reach(source, last, in) || !KCCliLaneArgs::reach(dest, destLast, into))
         return CLI_INPUT_ERROR;
-    std::pair<uint64_t, uint64_t> range;
+    const std::pair<uint64_t, uint64_t> range{first / (narrow / 8) * (wide / 8), destLast};
     try {
-        range = KCLaneJob::Shuffle(source, first, last, narrow, wide, static_cast<uint32_t>(lane), dest);
+        // Run by run: the narrow image's gaps stay gaps in the wide one.
+        for (const KCAddressRange &run : KCLaneJob::DataRuns(source, first, last, narrow / 8))
+            KCLaneJob::Shuffle(source, run.first, run.second, narrow, wide, static_cast<uint32_t>(lane), dest);
     } catch (int code) {
         return KCCliLaneArgs::refused(in, "shuffle", code);
     }
+    KCLaneJob::SetDataRange(dest, range.first, range.second);
+    dest.ComputeCheckSum(-1);
     dest.mainBufferParam()->fileType = KCFormatNames::loadSaveType(to->name);
     if (!dest.OnSaveDocument(a.value("output").c_str()))
         return CLI_INPUT_ERROR;

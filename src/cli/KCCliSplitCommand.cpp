@@ -6,6 +6,7 @@
 #include "KCCliLaneArgs.h"
 #include "KCFileFormatRegistry.h"
 #include "bufops/KCLaneJob.h"
+#include "bufops/cLaneError.h"
 #include "bufops/cLaneNames.h"
 #include "doc/KCDataDoc.h"
 #include "fileio/KCFormatNames.h"
@@ -102,14 +103,25 @@ int KCCliSplitCommand::run(const std::vector<std::string> &rawArgs)
         std::fprintf(stderr, "krldv: %s: warning: 0x%llX is inside a wide unit: lane 0 starts there\n", in.c_str(),
                      static_cast<unsigned long long>(first));
 
+    // The range as a whole must be whole units, whatever data it holds.
+    if ((last - first + 1) % (wide / 8))
+        return KCCliLaneArgs::refused(in, "split", cLaneError::RangeNotWholeUnits);
+    const std::vector<KCAddressRange> runs = KCLaneJob::DataRuns(source, first, last, wide / 8);
+    if (runs.empty()) {
+        std::fprintf(stderr, "krldv: %s: no data in 0x%llX-0x%llX to split\n", in.c_str(),
+                     static_cast<unsigned long long>(first), static_cast<unsigned long long>(last));
+        return CLI_INPUT_ERROR;
+    }
     std::vector<std::unique_ptr<KCDataDoc>> docs;
     std::vector<KCDataDoc *> targets;
     std::vector<const KCDataDoc *> parts;
+    const uint64_t destFirst = first / (wide / 8) * (narrow / 8);
     const uint64_t destLast = (last / (wide / 8) + 1) * (narrow / 8) - 1;
     for (uint32_t lane = 0; lane < lanes; ++lane) {
         docs.push_back(std::make_unique<KCDataDoc>());
         KCDataDoc &doc = *docs.back();
         doc.undoHistory().setBudget(0);
+        doc.setSparse(true); // memory follows the data, as for the image
         if (!KCLaneJob::PrepareLaneDoc(doc, destLast + 1, source.GetFileName(), narrow, wide, lane)) {
             std::fprintf(stderr, "krldv: %s: not enough memory for the lanes\n", in.c_str());
             return CLI_INPUT_ERROR;
@@ -117,23 +129,29 @@ int KCCliSplitCommand::run(const std::vector<std::string> &rawArgs)
         targets.push_back(&doc);
         parts.push_back(&doc);
     }
-    std::pair<uint64_t, uint64_t> range;
+    std::optional<uint64_t> differs;
     try {
-        range = KCLaneJob::SplitLanes(source, first, last, wide, narrow, targets);
+        // Run by run: the image's gaps stay gaps in every lane.
+        for (const KCAddressRange &run : runs) {
+            KCLaneJob::SplitLanes(source, run.first, run.second, wide, narrow, targets);
+            if (!differs)
+                differs = KCLaneJob::RoundTrip(source, run.first, run.second, wide, narrow, parts);
+        }
     } catch (int code) {
         return KCCliLaneArgs::refused(in, "split", code);
     }
     for (uint32_t lane = 0; lane < lanes; ++lane) {
         KCDataDoc &doc = *docs[lane];
+        KCLaneJob::SetDataRange(doc, destFirst, destLast);
+        doc.ComputeCheckSum(-1);
         const std::string path = lanePath(pattern, lane);
         doc.mainBufferParam()->fileType = KCFormatNames::loadSaveType(to->name);
         if (!doc.OnSaveDocument(path.c_str()))
             return CLI_INPUT_ERROR;
         std::printf("%s  lane %u \"%s\"  0x%08llX-0x%08llX  sum 0x%08X\n", path.c_str(), lane,
-                    cLaneNames::NameOf(narrow, wide, lane).c_str(), static_cast<unsigned long long>(range.first),
-                    static_cast<unsigned long long>(range.second), KCLaneJob::ByteSum(doc, range.first, range.second));
+                    cLaneNames::NameOf(narrow, wide, lane).c_str(), static_cast<unsigned long long>(destFirst),
+                    static_cast<unsigned long long>(destLast), KCLaneJob::ByteSum(doc, destFirst, destLast));
     }
-    const std::optional<uint64_t> differs = KCLaneJob::RoundTrip(source, first, last, wide, narrow, parts);
     if (differs)
         std::printf("round trip: differs at 0x%08llX\n", static_cast<unsigned long long>(*differs));
     else

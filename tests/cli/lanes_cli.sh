@@ -45,11 +45,17 @@ for pair in $pairs; do
   same "$pair shuffle into a wide image" "$T/again.bin" "$T/joined.bin"
 done
 
-# Record formats keep their shape: a lane of a sparse Intel image holds only the lane's data.
-printf ':040100001122334451\r\n:00000001FF\r\n' > "$T/sparse.hex"
+# Record formats keep their shape: the lanes of a sparse Intel image hold only the lanes' data,
+# gaps staying gaps, and data at the top of the address space costs only what it is.
+printf ':040100001122334451\r\n:0480000055667788C2\r\n:00000001FF\r\n' > "$T/sparse.hex"
 "$KRLDV" split "$T/sparse.hex" --widths 16:8 -o "$T/h{lane}.hex" > "$T/out.txt"
-check "sparse lane" "$(tr -d '\r' < "$T/h1.hex" | tr '\n' ' ')" ":02008000224418 :00000001FF "
-check "sparse report" "$(head -1 "$T/out.txt")" "$T/h0.hex  lane 0 \"Even Byte\"  0x00000080-0x00000081  sum 0x00000044"
+check "sparse lane" "$(tr -d '\r' < "$T/h1.hex" | tr '\n' ' ')" ":02008000224418 :024000006688D0 :00000001FF "
+check "sparse report" "$(head -1 "$T/out.txt")" "$T/h0.hex  lane 0 \"Even Byte\"  0x00000080-0x00004001  sum 0x003F3F92"
+printf ':02000004FFFFFC\r\n:04FF0000AABBCCDDEF\r\n:00000001FF\r\n' > "$T/top.hex"
+"$KRLDV" split "$T/top.hex" --widths 32:8 -o "$T/t{lane}.hex" > /dev/null
+"$KRLDV" join --widths 8:32 "$T/t0.hex" "$T/t1.hex" "$T/t2.hex" "$T/t3.hex" -o "$T/top2.hex"
+check "top of the address space and back" "$(tr -d '\r' < "$T/top2.hex" | tr '\n' ' ')" \
+  ":02000004FFFFFC :04FF0000AABBCCDDEF :00000001FF "
 
 # A range of no whole units is refused with its code, and nothing is written.
 "$KRLDV" split "$T/in.bin" --widths 16:8 --range 0:2 -o "$T/r{lane}.bin" > /dev/null 2> "$T/err.txt"

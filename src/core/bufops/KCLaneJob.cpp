@@ -34,7 +34,9 @@ bool KCLaneJob::PrepareLaneDoc(KCDataDoc &lane, uint64_t size, const std::string
                                uint32_t wideBits, uint32_t laneNumber)
 {
     cByteBuffer &buffer = lane.AlgoParam().buffer(0);
-    if (!buffer.resize(0, 0) || !buffer.resize(size, lane.fillByte()))
+    if (lane.isSparse())
+        lane.makeSparseImage(size);
+    else if (!buffer.resize(0, 0) || !buffer.resize(size, lane.fillByte()))
         return false;
     lane.defineNothing();
     lane.undoHistory().clear();
@@ -109,9 +111,12 @@ std::pair<uint64_t, uint64_t> KCLaneJob::Join(const std::vector<KCDataDoc *> &la
                 continue;
             Reach(*lanes[lane], last);
             Reach(dest, std::max(any.GetDestEnd(last), any.MapAddress(last, lane)));
-            const auto range = Shuffle(*lanes[lane], first, last, narrowBits, wideBits, lane, dest);
-            low = std::min(low, range.first);
-            high = std::max(high, range.second);
+            // Run by run, so that the gaps of the lanes stay gaps of the wide image.
+            for (const KCAddressRange &run : DataRuns(*lanes[lane], first, last, any.GetSourceUnit())) {
+                const auto range = Shuffle(*lanes[lane], run.first, run.second, narrowBits, wideBits, lane, dest);
+                low = std::min(low, range.first);
+                high = std::max(high, range.second);
+            }
         }
     } catch (...) {
         dest.endAction();
@@ -127,8 +132,7 @@ std::pair<uint64_t, uint64_t> KCLaneJob::Join(const std::vector<KCDataDoc *> &la
 
 bool KCLaneJob::Reach(KCDataDoc &doc, uint64_t last)
 {
-    cByteBuffer &buffer = doc.AlgoParam().buffer(0);
-    return last < buffer.size() || buffer.resize(last + 1, doc.fillByte());
+    return doc.growImage(last + 1);
 }
 
 void KCLaneJob::SetDataRange(KCDataDoc &doc, uint64_t first, uint64_t last)
@@ -188,10 +192,44 @@ bool KCLaneJob::DataRange(const KCDataDoc &doc, uint32_t unit, uint64_t &first, 
     return true;
 }
 
+std::vector<KCAddressRange> KCLaneJob::DataRuns(const KCDataDoc &doc, uint64_t first, uint64_t last, uint32_t unit)
+{
+    std::vector<KCAddressRange> runs;
+    if (first > last || unit == 0)
+        return runs;
+    for (const KCAddressRange &r : doc.dataMap().rangesIn(first, last)) {
+        const uint64_t a = first + (std::max(r.first, first) - first) / unit * unit;
+        const uint64_t b = std::min(last, first + ((std::min(r.second, last) - first) / unit + 1) * unit - 1);
+        if (!runs.empty() && a <= runs.back().second + 1)
+            runs.back().second = std::max(runs.back().second, b);
+        else
+            runs.push_back({a, b});
+    }
+    return runs;
+}
+
 uint32_t KCLaneJob::ByteSum(const KCDataDoc &doc, uint64_t first, uint64_t last)
 {
     const cByteBuffer &buffer = doc.AlgoParam().buffer(0);
     if (first > last || last >= buffer.size())
         return 0;
-    return cBufferSum::byteSum(buffer.data() + first, last - first + 1);
+    uint32_t sum = 0;
+    uint64_t next = first;
+    const uint8_t fill = doc.fillByte();
+    // A sparse image's gaps hold zero in memory: their share is the fill byte's.
+    const auto gap = [&](uint64_t a, uint64_t b) {
+        if (!doc.isSparse())
+            sum += cBufferSum::byteSum(buffer.data() + a, b - a + 1);
+        else
+            sum += uint32_t(uint64_t(fill) * (b - a + 1));
+    };
+    for (const KCAddressRange &r : doc.dataMap().rangesIn(first, last)) {
+        if (r.first > next)
+            gap(next, r.first - 1);
+        sum += cBufferSum::byteSum(buffer.data() + r.first, r.second - r.first + 1);
+        next = r.second + 1;
+    }
+    if (next <= last && next >= first)
+        gap(next, last);
+    return sum;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "doc/KCDataMap.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -14,7 +16,8 @@ class KCLaneJob
 {
 public:
     // Makes a fresh document ready to take a lane: a buffer of `size` fill bytes with nothing
-    // defined in it, titled after the source document and the lane ("image.hex [Odd  Byte]").
+    // defined in it (a sparse image for a sparse document), titled after the source document
+    // and the lane ("image.hex [Odd  Byte]").
     static bool PrepareLaneDoc(KCDataDoc &laneDoc, uint64_t size, const std::string &sourceTitle, uint32_t narrowBits,
                                uint32_t wideBits, uint32_t laneNumber);
     // The lane of source[first..last] into `dest` at (first / S) * D onwards; its data range
@@ -50,6 +53,10 @@ public:
     // The document's data from its lowest to its highest defined address, widened to whole
     // units of `unit` bytes; false when it holds no data.
     static bool DataRange(const KCDataDoc &doc, uint32_t unit, uint64_t &first, uint64_t &last);
-    // Sum of the bytes first..last of a document's buffer, modulo 2^32.
+    // The runs of data inside [first, last], each widened to whole units of `unit` bytes
+    // counted from `first` and merged where they meet: what a split or shuffle of an image
+    // takes so that its gaps stay gaps.
+    static std::vector<KCAddressRange> DataRuns(const KCDataDoc &doc, uint64_t first, uint64_t last, uint32_t unit);
+    // Sum of the bytes first..last of a document's image (gaps as the fill byte), modulo 2^32.
     static uint32_t ByteSum(const KCDataDoc &doc, uint64_t first, uint64_t last);
 };

@@ -386,6 +386,26 @@ void KCDataDoc::materializeGaps(uint64_t first, uint64_t last)
         m_gapsUnfilled = false;
 }
 
+void KCDataDoc::makeSparseImage(uint64_t size)
+{
+    cByteBuffer &buf = m_algoParam->buffer(0);
+    buf.setLazy(true);
+    buf.resize(0, 0);
+    buf.resize(size, 0);
+    m_sparse = true;
+    m_gapsUnfilled = true;
+    defineNothing();
+}
+
+bool KCDataDoc::growImage(uint64_t size)
+{
+    cByteBuffer &buf = m_algoParam->buffer(0);
+    if (size <= buf.size())
+        return true;
+    // Unfilled gaps cost no memory: the growth is one of them.
+    return buf.resize(size, m_gapsUnfilled ? 0 : fillByte());
+}
+
 bool KCDataDoc::WriteRange(uint64_t address, const uint8_t *bytes, uint64_t count)
 {
     const uint64_t size = GetBufferSize();

@@ -186,6 +186,11 @@ public:
     // this into account; anything that needs the flat image calls materializeGaps() first.
     void setSparse(bool sparse) { m_sparse = sparse; }
     bool isSparse() const { return m_sparse; }
+    // Makes the buffer a sparse image of `size` bytes that are all gap: memory is taken only
+    // for what is written later (a lane of a split on the command line).
+    void makeSparseImage(uint64_t size);
+    // Grows the buffer to `size` bytes that are gap, read as the fill byte; false without memory.
+    bool growImage(uint64_t size);
     // Puts the fill byte into the gaps inside [first, last] (all of them by default).
     void materializeGaps(uint64_t first = 0, uint64_t last = UINT64_MAX);
     uint8_t fillByte() const;
