@@ -15,6 +15,7 @@
 namespace {
 
 constexpr uint64_t MaxAddress = 0xFFFFFFFFull;
+constexpr uint32_t BitsPerByte = 8;
 
 } // namespace
 
@@ -65,13 +66,14 @@ int KCCliShuffleCommand::run(const std::vector<std::string> &rawArgs)
         problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("format"));
     if (!problem.empty())
         return usageError(problem);
+    const uint32_t wideUnit = wide / BitsPerByte, narrowUnit = narrow / BitsPerByte;
 
     KCCliHost host;
     KCDataDoc source, dest;
     const std::string &in = a.positional()[0];
     if (!KCCliImageLoader::load(source, in, a.value("format")))
         return CLI_INPUT_ERROR;
-    if (!a.has("range") && !KCLaneJob::DataRange(source, narrow / 8, first, last)) {
+    if (!a.has("range") && !KCLaneJob::DataRange(source, narrowUnit, first, last)) {
         std::fprintf(stderr, "krldv: %s: the image holds no data to shuffle\n", in.c_str());
         return CLI_INPUT_ERROR;
     }
@@ -84,13 +86,13 @@ int KCCliShuffleCommand::run(const std::vector<std::string> &rawArgs)
         dest.setSparse(true);
         dest.makeSparseImage(0);
     }
-    const uint64_t destLast = (last / (narrow / 8) + 1) * (wide / 8) - 1;
+    const uint64_t destLast = (last / narrowUnit + 1) * wideUnit - 1;
     if (!KCCliLaneArgs::reach(source, last, in) || !KCCliLaneArgs::reach(dest, destLast, into))
         return CLI_INPUT_ERROR;
-    const std::pair<uint64_t, uint64_t> range{first / (narrow / 8) * (wide / 8), destLast};
+    const std::pair<uint64_t, uint64_t> range{first / narrowUnit * wideUnit, destLast};
     try {
         // Run by run: the narrow image's gaps stay gaps in the wide one.
-        for (const KCAddressRange &run : KCLaneJob::DataRuns(source, first, last, narrow / 8))
+        for (const KCAddressRange &run : KCLaneJob::DataRuns(source, first, last, narrowUnit))
             KCLaneJob::Shuffle(source, run.first, run.second, narrow, wide, static_cast<uint32_t>(lane), dest);
     } catch (int code) {
         return KCCliLaneArgs::refused(in, "shuffle", code);

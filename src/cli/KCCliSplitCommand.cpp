@@ -17,6 +17,7 @@
 namespace {
 
 constexpr uint64_t MaxAddress = 0xFFFFFFFFull;
+constexpr uint32_t BitsPerByte = 8;
 const std::string LaneMark = "{lane}";
 
 std::string lanePath(const std::string &pattern, uint32_t lane)
@@ -79,6 +80,7 @@ int KCCliSplitCommand::run(const std::vector<std::string> &rawArgs)
         problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("format"));
     if (!problem.empty())
         return usageError(problem);
+    const uint32_t wideUnit = wide / BitsPerByte, narrowUnit = narrow / BitsPerByte;
 
     const uint32_t lanes = wide / narrow;
     for (uint32_t lane = 0; lane < lanes; ++lane) {
@@ -93,20 +95,20 @@ int KCCliSplitCommand::run(const std::vector<std::string> &rawArgs)
     const std::string &in = a.positional()[0];
     if (!KCCliImageLoader::load(source, in, a.value("format")))
         return CLI_INPUT_ERROR;
-    if (!a.has("range") && !KCLaneJob::DataRange(source, wide / 8, first, last)) {
+    if (!a.has("range") && !KCLaneJob::DataRange(source, wideUnit, first, last)) {
         std::fprintf(stderr, "krldv: %s: the image holds no data to split\n", in.c_str());
         return CLI_INPUT_ERROR;
     }
     if (!KCCliLaneArgs::reach(source, last, in))
         return CLI_INPUT_ERROR;
-    if (first % (wide / 8))
+    if (first % wideUnit)
         std::fprintf(stderr, "krldv: %s: warning: 0x%llX is inside a wide unit: lane 0 starts there\n", in.c_str(),
                      static_cast<unsigned long long>(first));
 
     // The range as a whole must be whole units, whatever data it holds.
-    if ((last - first + 1) % (wide / 8))
+    if ((last - first + 1) % wideUnit)
         return KCCliLaneArgs::refused(in, "split", cLaneError::RangeNotWholeUnits);
-    const std::vector<KCAddressRange> runs = KCLaneJob::DataRuns(source, first, last, wide / 8);
+    const std::vector<KCAddressRange> runs = KCLaneJob::DataRuns(source, first, last, wideUnit);
     if (runs.empty()) {
         std::fprintf(stderr, "krldv: %s: no data in 0x%llX-0x%llX to split\n", in.c_str(),
                      static_cast<unsigned long long>(first), static_cast<unsigned long long>(last));
@@ -115,8 +117,8 @@ int KCCliSplitCommand::run(const std::vector<std::string> &rawArgs)
     std::vector<std::unique_ptr<KCDataDoc>> docs;
     std::vector<KCDataDoc *> targets;
     std::vector<const KCDataDoc *> parts;
-    const uint64_t destFirst = first / (wide / 8) * (narrow / 8);
-    const uint64_t destLast = (last / (wide / 8) + 1) * (narrow / 8) - 1;
+    const uint64_t destFirst = first / wideUnit * narrowUnit;
+    const uint64_t destLast = (last / wideUnit + 1) * narrowUnit - 1;
     for (uint32_t lane = 0; lane < lanes; ++lane) {
         docs.push_back(std::make_unique<KCDataDoc>());
         KCDataDoc &doc = *docs.back();

@@ -15,6 +15,7 @@ namespace {
 
 // Bytes of the source rebuilt from the lanes at a time by the round trip.
 constexpr uint64_t RoundTripBlock = 1024 * 1024;
+constexpr uint32_t BitsPerByte = 8;
 
 // Runs `edit` inside one change of each document from `from` on, so that each keeps its
 // checksum, map and undo for whatever the edit wrote, also when it throws.
@@ -151,7 +152,7 @@ std::optional<uint64_t> KCLaneJob::RoundTrip(const KCDataDoc &source, uint64_t f
                                              const std::vector<const KCDataDoc *> &lanes)
 {
     const cByteBuffer &original = source.AlgoParam().buffer(0);
-    const uint64_t wideUnit = wideBits / 8, narrowUnit = narrowBits / 8;
+    const uint64_t wideUnit = wideBits / BitsPerByte, narrowUnit = narrowBits / BitsPerByte;
     if (first > last || last >= original.size() || !wideUnit || !narrowUnit)
         return first;
     // The lanes go back a block of wide units at a time, so the check needs no second image.

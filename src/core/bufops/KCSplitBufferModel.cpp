@@ -14,7 +14,8 @@ namespace {
 
 constexpr uint32_t NarrowestWidth = 8;
 constexpr uint32_t WidestWidth = 64;
-constexpr uint32_t WidestUnit = WidestWidth / 8;
+constexpr uint32_t BitsPerByte = 8;
+constexpr uint32_t WidestUnit = WidestWidth / BitsPerByte;
 
 std::string hex(uint64_t value)
 {
