@@ -297,6 +297,8 @@ TEST_F(MainFrame, SplitOpensLaneDocumentsBesideTheSource)
     EXPECT_EQ(frame->workspaceTree()->topLevelItemCount(), 3); // every document, the current one first
     EXPECT_EQ(frame->workspaceTree()->topLevelItem(0)->text(0), "demo.bin [Odd  Byte] *");
     EXPECT_EQ(frame->document()->GetData(0), source->GetData(1));
+    EXPECT_FALSE(frame->newDocument()); // File New still keeps to one buffer document
+    EXPECT_EQ(frame->documentCount(), 3);
 
     frame->mdiArea()->setActiveSubWindow(sourceWindow);
     EXPECT_EQ(frame->document(), source);
