@@ -16,7 +16,6 @@ public:
 
     // `docs` are the open buffer documents; `newDocument` makes a new one (null when it cannot).
     KCJoinLanesModel(std::vector<KCDataDoc *> docs, std::function<KCDataDoc *()> newDocument);
-    bool isValid() const { return m_docs.size() >= MinDocuments; }
     std::vector<std::string> titles() const;
 
     static std::vector<uint32_t> NarrowWidths() { return {8, 16, 32}; }
@@ -32,8 +31,6 @@ public:
     KCDataDoc *joined() const { return m_joined; }
 
 private:
-    static constexpr size_t MinDocuments = 2;
-
     std::vector<KCDataDoc *> m_docs;
     std::function<KCDataDoc *()> m_newDocument;
     KCDataDoc *m_joined = nullptr;
