@@ -6,8 +6,11 @@
 #include "KCCliDevicesCommand.h"
 #include "KCCliFillCommand.h"
 #include "KCCliFindCommand.h"
+#include "KCCliJoinCommand.h"
 #include "KCCliInfoCommand.h"
 #include "KCCliSerialCommand.h"
+#include "KCCliShuffleCommand.h"
+#include "KCCliSplitCommand.h"
 
 std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
 {
@@ -17,6 +20,9 @@ std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
     commands.push_back(std::make_unique<KCCliChecksumCommand>());
     commands.push_back(std::make_unique<KCCliFillCommand>());
     commands.push_back(std::make_unique<KCCliFindCommand>());
+    commands.push_back(std::make_unique<KCCliSplitCommand>());
+    commands.push_back(std::make_unique<KCCliShuffleCommand>());
+    commands.push_back(std::make_unique<KCCliJoinCommand>());
     commands.push_back(std::make_unique<KCCliSerialCommand>());
     commands.push_back(std::make_unique<KCCliDevicesCommand>());
     commands.push_back(std::make_unique<KCCliDeviceCommand>());

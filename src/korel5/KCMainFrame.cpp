@@ -4,6 +4,9 @@
 
 #include "bufops/KCBufferFill.h"
 #include "search/KCSearchDlgBox.h"
+#include "bufops/KCJoinLanes.h"
+#include "bufops/KCShuffleBuffer.h"
+#include "bufops/KCSplitBuffer.h"
 #include "host/KCNumberText.h"
 #include "view/KCClipboardController.h"
 #include "view/KCCopyAs.h"
@@ -37,6 +40,8 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace {
 
@@ -116,7 +121,9 @@ KCMainFrame::KCMainFrame(const QString &settingsFile, QWidget *parent)
 
 KCMainFrame::~KCMainFrame()
 {
-    closeDocument(false);
+    // Each close makes the next document current.
+    while (m_doc)
+        closeDocument(false);
     m_watcher.reset();
     if (KCDataView::m_pFont == &m_viewFont)
         KCDataView::m_pFont = nullptr;
@@ -132,6 +139,12 @@ void KCMainFrame::createDocks()
     addDockWidget(Qt::BottomDockWidgetArea, messageDock);
 
     m_tree = new KCWorkspaceTree(this);
+    m_tree->setOtherDocuments([this] {
+        std::vector<KCDataDoc *> others;
+        for (const auto &doc : m_otherDocs)
+            others.push_back(doc.get());
+        return others;
+    });
     auto *treeDock = new QDockWidget(tr("Workspace"), this);
     treeDock->setObjectName("workspaceDock");
     treeDock->setWidget(m_tree);
@@ -305,6 +318,29 @@ void KCMainFrame::createActions()
             m_doc->OnSwapbytes();
     });
 
+    m_splitAction = new QAction(tr("S&plit..."), this);
+    connect(m_splitAction, &QAction::triggered, this, [this] {
+        KCSplitBuffer dialog(m_mdi, [this] { return addDocument(); }, this);
+        dialog.exec();
+    });
+    m_shuffleAction = new QAction(tr("Sh&uffle..."), this);
+    connect(m_shuffleAction, &QAction::triggered, this, [this] {
+        KCShuffleBuffer dialog(m_doc.get(), m_mdi, this);
+        dialog.exec();
+    });
+
+    m_joinAction = new QAction(tr("&Join Lanes..."), this);
+    connect(m_joinAction, &QAction::triggered, this, [this] {
+        // The documents in the order of their windows.
+        std::vector<KCDataDoc *> docs;
+        for (QMdiSubWindow *w : m_mdi->subWindowList())
+            if (auto *view = qobject_cast<KCDataView *>(w->widget()))
+                if (std::find(docs.begin(), docs.end(), view->document()) == docs.end())
+                    docs.push_back(view->document());
+        KCJoinLanes dialog(docs, [this] { return addDocument(); }, this);
+        dialog.exec();
+    });
+
     m_serialAction = new QAction(tr("Serial &Numbers..."), this);
     connect(m_serialAction, &QAction::triggered, this, [this] {
         if (!m_doc)
@@ -380,15 +416,84 @@ void KCMainFrame::createMenus()
 
     QMenu *buffer = menuBar()->addMenu(tr("&Buffer"));
     buffer->addAction(m_swapAction);
+    buffer->addAction(m_splitAction);
+    buffer->addAction(m_shuffleAction);
+    buffer->addAction(m_joinAction);
     buffer->addSeparator();
     buffer->addAction(m_serialAction);
     buffer->addAction(m_takeSerialAction);
+
+    QMenu *window = menuBar()->addMenu(tr("&Window"));
+    // Windows no longer maximized show their titles again.
+    window->addAction(tr("&Tile"), this, [this] {
+        m_mdi->tileSubWindows();
+        updateTitle();
+    });
+    window->addAction(tr("&Cascade"), this, [this] {
+        m_mdi->cascadeSubWindows();
+        updateTitle();
+    });
+    window->addAction(tr("&Next"), QKeySequence(Qt::CTRL | Qt::Key_F6), m_mdi, &QMdiArea::activateNextSubWindow);
     updateRecentMenu();
 }
 
 int KCMainFrame::documentCount() const
 {
-    return (m_doc ? 1 : 0) + m_pendingDocuments;
+    return (m_doc ? 1 : 0) + int(m_otherDocs.size()) + m_pendingDocuments;
+}
+
+KCDataDoc *KCMainFrame::addDocument()
+{
+    auto doc = std::make_unique<KCDataDoc>();
+    doc->ComputeCheckSum(-1);
+    install(std::move(doc));
+    return m_doc.get();
+}
+
+void KCMainFrame::makeCurrent(KCDataDoc *doc)
+{
+    auto it = std::find_if(m_otherDocs.begin(), m_otherDocs.end(), [doc](const auto &d) { return d.get() == doc; });
+    if (it == m_otherDocs.end())
+        return;
+    if (m_doc) {
+        std::swap(m_doc, *it);
+    } else {
+        m_doc = std::move(*it);
+        m_otherDocs.erase(it);
+    }
+    m_watcher->watch(m_doc.get());
+    m_devices->setDocument(m_doc.get());
+    m_doc->PrintCheckSum(-1);
+    m_status->setModified(m_doc->IsModified());
+    m_tree->rebuild(m_doc.get());
+    updateTitle();
+    updateActions();
+}
+
+namespace {
+
+bool hasDataView(const KCDataDoc &doc)
+{
+    for (KCDocView *v : doc.views())
+        if (v->isDataView())
+            return true;
+    return false;
+}
+
+} // namespace
+
+void KCMainFrame::closeDocumentsWithoutWindows()
+{
+    for (auto it = m_otherDocs.begin(); it != m_otherDocs.end();) {
+        if (hasDataView(**it)) {
+            ++it;
+            continue;
+        }
+        (*it)->OnCloseDocument();
+        it = m_otherDocs.erase(it);
+    }
+    if (m_doc && !m_closingDocument && !hasDataView(*m_doc))
+        closeDocument(false);
 }
 
 KCDataView *KCMainFrame::currentView() const
@@ -450,6 +555,8 @@ KCDocBase *KCMainFrame::openDocumentFile(const std::string &path)
 
 void KCMainFrame::install(std::unique_ptr<KCDataDoc> doc)
 {
+    if (m_doc)
+        m_otherDocs.push_back(std::move(m_doc));
     m_doc = std::move(doc);
     m_doc->undoHistory().setBudget(m_settings.undoBudgetBytes());
     m_watcher->watch(m_doc.get());
@@ -480,9 +587,7 @@ KCDataView *KCMainFrame::newWindow()
     auto *view = new KCDataView(m_doc.get());
     auto *child = new KCChildFrame(this, view);
     m_mdi->addSubWindow(child);
-    const int windows = int(m_mdi->subWindowList().size());
-    const QString title = QString::fromStdString(m_doc->GetTitle());
-    child->setWindowTitle(windows > 1 ? QString("%1:%2").arg(title).arg(windows) : title);
+    updateTitle();
     connect(view, &KCDataView::caretMoved, this, [this, view](quint64, const QString &text) {
         if (currentView() == view) {
             m_status->setCaretAddress(text);
@@ -523,14 +628,15 @@ bool KCMainFrame::showLayout(const char *layoutName)
 
 bool KCMainFrame::canCloseWindow(KCChildFrame *child)
 {
-    if (m_closingDocument || !m_doc)
+    KCDataDoc *doc = child->view() ? child->view()->document() : nullptr;
+    if (m_closingDocument || !doc)
         return true;
     int dataViews = 0;
-    for (KCDocView *v : m_doc->views())
+    for (KCDocView *v : doc->views())
         dataViews += v->isDataView() ? 1 : 0;
-    // The last window takes the document with it (see viewDestroyed).
-    if (dataViews <= 1 && child->view())
-        return m_doc->SaveModified();
+    // The last window takes its document with it (see viewDestroyed).
+    if (dataViews <= 1)
+        return doc->SaveModified();
     return true;
 }
 
@@ -538,15 +644,14 @@ void KCMainFrame::viewDestroyed()
 {
     if (m_closingDocument || !m_doc)
         return;
-    for (KCDocView *v : m_doc->views())
-        if (v->isDataView()) {
-            m_tree->rebuild(m_doc.get());
-            return;
-        }
-    // The window is still being torn down: close the document once that is over.
+    if (hasDataView(*m_doc) && std::all_of(m_otherDocs.begin(), m_otherDocs.end(), [](const auto &d) { return hasDataView(*d); })) {
+        m_tree->rebuild(m_doc.get());
+        return;
+    }
+    // The window is still being torn down: close its document once that is over.
     QTimer::singleShot(0, this, [this] {
-        if (m_doc && !m_closingDocument)
-            closeDocument(false);
+        if (!m_closingDocument)
+            closeDocumentsWithoutWindows();
     });
 }
 
@@ -558,15 +663,29 @@ bool KCMainFrame::closeDocument(bool ask)
         return false;
     m_closingDocument = true;
     const QList<QMdiSubWindow *> windows = m_mdi->subWindowList();
-    for (QMdiSubWindow *w : windows)
-        delete w;
+    for (QMdiSubWindow *w : windows) {
+        auto *view = qobject_cast<KCDataView *>(w->widget());
+        if (!view || view->document() == m_doc.get())
+            delete w;
+    }
     m_watcher->watch(nullptr);
     m_devices->setDocument(nullptr);
     m_doc->OnCloseDocument();
     m_doc.reset();
+    // Another open document becomes the current one.
+    if (!m_otherDocs.empty()) {
+        m_doc = std::move(m_otherDocs.back());
+        m_otherDocs.pop_back();
+        m_watcher->watch(m_doc.get());
+        m_devices->setDocument(m_doc.get());
+    }
     m_closingDocument = false;
-    m_tree->rebuild(nullptr);
-    m_status->clearDocumentPanes();
+    currentWindowChanged();
+    m_tree->rebuild(m_doc.get());
+    if (m_doc)
+        m_doc->PrintCheckSum(-1);
+    else
+        m_status->clearDocumentPanes();
     updateTitle();
     updateActions();
     return true;
@@ -589,6 +708,9 @@ void KCMainFrame::documentUpdated(long hint)
 void KCMainFrame::currentWindowChanged()
 {
     KCDataView *view = currentView();
+    // While a document closes its windows go one by one: the next current one is chosen after.
+    if (view && view->document() != m_doc.get() && !m_closingDocument)
+        makeCurrent(view->document());
     if (!view) {
         m_status->setCaretAddress(QString());
         for (QAction *a : m_layoutGroup->actions())
@@ -609,11 +731,19 @@ void KCMainFrame::updateTitle()
     // so it carries none while maximized.
     const QString title = m_doc ? QString::fromStdString(m_doc->GetTitle()) : QString();
     const QList<QMdiSubWindow *> windows = m_mdi->subWindowList();
-    for (int i = 0; i < windows.size(); ++i) {
-        const bool maximized = windows[i]->isMaximized();
-        windows[i]->setWindowTitle(maximized ? QString()
-                                   : windows.size() > 1 ? QString("%1:%2").arg(title).arg(i + 1)
-                                                         : title);
+    // Each window is named after its own document, numbered among that document's windows.
+    std::vector<std::pair<KCDataDoc *, int>> seen;
+    for (QMdiSubWindow *w : windows) {
+        auto *view = qobject_cast<KCDataView *>(w->widget());
+        KCDataDoc *doc = view ? view->document() : m_doc.get();
+        const int total = int(std::count_if(windows.begin(), windows.end(), [doc](QMdiSubWindow *o) {
+            auto *v = qobject_cast<KCDataView *>(o->widget());
+            return (v ? v->document() : nullptr) == doc;
+        }));
+        auto it = std::find_if(seen.begin(), seen.end(), [doc](const auto &p) { return p.first == doc; });
+        const int number = it == seen.end() ? (seen.push_back({doc, 1}), 1) : ++it->second;
+        const QString own = doc ? QString::fromStdString(doc->GetTitle()) : QString();
+        w->setWindowTitle(w->isMaximized() ? QString() : total > 1 ? QString("%1:%2").arg(own).arg(number) : own);
     }
     setWindowTitle(m_doc ? title + "[*]" : QString());
     setWindowModified(m_doc && m_doc->IsModified() != 0);
@@ -684,6 +814,9 @@ void KCMainFrame::updateActions()
     m_findPreviousAction->setEnabled(hasDoc);
     updateUndoActions();
     m_swapAction->setEnabled(hasDoc);
+    m_splitAction->setEnabled(hasDoc);
+    m_shuffleAction->setEnabled(hasDoc && !m_otherDocs.empty());
+    m_joinAction->setEnabled(hasDoc && !m_otherDocs.empty());
     m_serialAction->setEnabled(hasDoc);
     m_takeSerialAction->setEnabled(hasDoc && m_doc->serialMode() != 0);
     m_newWindowAction->setEnabled(hasDoc);
@@ -759,9 +892,12 @@ void KCMainFrame::applyFont()
 
 void KCMainFrame::closeEvent(QCloseEvent *event)
 {
-    if (!closeDocument(true)) {
-        event->ignore();
-        return;
+    // Closing the current document makes the next one current: each is asked in turn.
+    while (m_doc) {
+        if (!closeDocument(true)) {
+            event->ignore();
+            return;
+        }
     }
     saveRecentFiles();
     m_settings.setWindow(saveGeometry(), saveState());

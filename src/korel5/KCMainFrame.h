@@ -26,9 +26,11 @@ class QMdiArea;
 class QMdiSubWindow;
 class QMenu;
 
-// korel5's main window: the multiple-document area with the buffer document's views, the
+// korel5's main window: the multiple-document area with the buffer documents' views, the
 // message window and the workspace tree as docks, the status bar, the menus. It owns the
-// one buffer document and the host object the library talks to.
+// buffer documents and the host object the library talks to. The document of the current
+// window is the current document, which every command works on; File New keeps to one
+// buffer document, while a split adds one document per lane.
 class KCMainFrame : public QMainWindow
 {
     Q_OBJECT
@@ -45,7 +47,10 @@ public:
     QMdiArea *mdiArea() const { return m_mdi; }
     KCDeviceMenu *devices() const { return m_devices; }
 
+    // The current document.
     KCDataDoc *document() const { return m_doc.get(); }
+    // Another buffer document in a window of its own, made the current one (a lane of a split).
+    KCDataDoc *addDocument();
     // Documents open, counting one being created.
     int documentCount() const;
     // The view of the current document window, null without one.
@@ -78,6 +83,8 @@ private:
     void createMenus();
     void createDocks();
     void install(std::unique_ptr<KCDataDoc> doc);
+    void makeCurrent(KCDataDoc *doc);
+    void closeDocumentsWithoutWindows();
     void applyFileTypeLayout(KCDataView *view);
     void documentUpdated(long hint);
     void viewDestroyed();
@@ -104,6 +111,7 @@ private:
     std::unique_ptr<KCAppHost> m_host;
     std::unique_ptr<KCDocWatcher> m_watcher;
     std::unique_ptr<KCDataDoc> m_doc;
+    std::vector<std::unique_ptr<KCDataDoc>> m_otherDocs; // open besides the current one
     int m_pendingDocuments = 0;
     bool m_closingDocument = false;
 
@@ -133,6 +141,9 @@ private:
     QAction *m_fuseAction = nullptr;
     QAction *m_newWindowAction = nullptr;
     QAction *m_swapAction = nullptr;
+    QAction *m_splitAction = nullptr;
+    QAction *m_shuffleAction = nullptr;
+    QAction *m_joinAction = nullptr;
     QAction *m_serialAction = nullptr;
     QAction *m_takeSerialAction = nullptr;
     QActionGroup *m_layoutGroup = nullptr;

@@ -26,8 +26,16 @@ KCWorkspaceTree::KCWorkspaceTree(QWidget *parent) : QTreeWidget(parent)
 void KCWorkspaceTree::rebuild(KCDataDoc *doc)
 {
     clear();
-    if (!doc)
-        return;
+    if (doc)
+        addDocument(doc);
+    if (m_others)
+        for (KCDataDoc *other : m_others())
+            addDocument(other);
+    expandAll();
+}
+
+void KCWorkspaceTree::addDocument(KCDataDoc *doc)
+{
     auto *root = new QTreeWidgetItem(this);
     const QString title = QString::fromStdString(doc->GetTitle().empty() ? doc->GetFileName() : doc->GetTitle());
     root->setText(0, doc->IsModified() ? title + " *" : title);
@@ -42,5 +50,4 @@ void KCWorkspaceTree::rebuild(KCDataDoc *doc)
         child->setToolTip(0, tr("%1 bytes").arg(size));
         child->setData(0, ViewRole, QVariant::fromValue(static_cast<void *>(item.view)));
     }
-    expandAll();
 }

@@ -388,6 +388,26 @@ void KCDataDoc::materializeGaps(uint64_t first, uint64_t last)
         m_gapsUnfilled = false;
 }
 
+void KCDataDoc::makeSparseImage(uint64_t size)
+{
+    cByteBuffer &buf = m_algoParam->buffer(0);
+    buf.setLazy(true);
+    buf.resize(0, 0);
+    buf.resize(size, 0);
+    m_sparse = true;
+    m_gapsUnfilled = true;
+    defineNothing();
+}
+
+bool KCDataDoc::growImage(uint64_t size)
+{
+    cByteBuffer &buf = m_algoParam->buffer(0);
+    if (size <= buf.size())
+        return true;
+    // Unfilled gaps cost no memory: the growth is one of them.
+    return buf.resize(size, m_gapsUnfilled ? 0 : fillByte());
+}
+
 bool KCDataDoc::WriteRange(uint64_t address, const uint8_t *bytes, uint64_t count)
 {
     const uint64_t size = GetBufferSize();
@@ -415,6 +435,47 @@ bool KCDataDoc::FillRange(uint64_t first, uint64_t last, uint8_t value)
     m_algoParam->buffer(0).Fill(first, last, value);
     noteWritten(first, last);
     afterChange(ownStep);
+    return true;
+}
+
+bool KCDataDoc::ChangeRange(uint64_t first, uint64_t last, const char *name, const std::function<void()> &edit)
+{
+    const uint64_t size = GetBufferSize();
+    if (first > last || first >= size) {
+        edit(); // nothing of the range is in the buffer: the edit can only refuse
+        return true;
+    }
+    last = std::min(last, size - 1);
+    bool ownStep = false;
+    if (!beforeChange(first, last - first + 1, name, ownStep))
+        return false;
+    materializeGaps(first, last);
+    TAG_BUFFER_PARAM *param = TF_GetBufferParam(nullptr, nullptr, nullptr, -1);
+    uint64_t a = 1, b = 0;
+    uint32_t before = 0;
+    if (param) {
+        a = std::max<uint64_t>(first, param->checksumStart);
+        b = std::min<uint64_t>(last, param->checksumEnd);
+        // A change over the whole checksum range takes away all of the kept sum: nothing to read.
+        const bool whole = a == param->checksumStart && b == param->checksumEnd;
+        if (a <= b && b < size)
+            before = whole ? param->checksum : rangeSum(param->checksumKind, a, b);
+    }
+    auto account = [&] {
+        // Added to the map first: a gap's bytes count as what the buffer now holds.
+        m_dataMap.add(first, last);
+        if (param && a <= b && b < size)
+            param->checksum += rangeSum(param->checksumKind, a, b) - before;
+        noteWritten(first, last);
+        afterChange(ownStep);
+    };
+    try {
+        edit();
+    } catch (...) {
+        account();
+        throw;
+    }
+    account();
     return true;
 }
 

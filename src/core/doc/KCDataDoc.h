@@ -13,6 +13,7 @@
 #include "doc/cAlgoParam.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -142,11 +143,23 @@ public:
     const KCDataMap &changedMap() const { return m_changedMap; }
     // Makes [0, size) the whole image: a new buffer, or a file that defines every byte.
     void defineWholeBuffer();
+    // Makes the whole buffer fill: a new document that is to receive its data later.
+    void defineNothing()
+    {
+        m_dataMap.clear();
+        m_changedMap.clear();
+    }
     // Range writes: every write path of more than a byte goes through these, so the checksum,
     // the modified flag and both maps stay right. False (nothing changed) when the range does
     // not lie inside the buffer.
     bool WriteRange(uint64_t address, const uint8_t *bytes, uint64_t count);
     bool FillRange(uint64_t first, uint64_t last, uint8_t value);
+    // A change that code working on the buffer itself (the lane engines) makes inside
+    // [first, last], clipped to the buffer: one undo step named `name`, after which the
+    // checksum, both maps and the modified flag cover the range. What `edit` wrote before it
+    // threw stays written and is accounted for; the exception then passes on. False (nothing
+    // run) when the user refused a change too large to undo.
+    bool ChangeRange(uint64_t first, uint64_t last, const char *name, const std::function<void()> &edit);
     // Checksum of [first, last] with the kind of the selected view, without touching the
     // stored checksum; 0xFFFFFFFF without a buffer view. The range must lie in the buffer.
     uint32_t checksumOf(uint64_t first, uint64_t last);
@@ -175,6 +188,11 @@ public:
     // this into account; anything that needs the flat image calls materializeGaps() first.
     void setSparse(bool sparse) { m_sparse = sparse; }
     bool isSparse() const { return m_sparse; }
+    // Makes the buffer a sparse image of `size` bytes that are all gap: memory is taken only
+    // for what is written later (a lane of a split on the command line).
+    void makeSparseImage(uint64_t size);
+    // Grows the buffer to `size` bytes that are gap, read as the fill byte; false without memory.
+    bool growImage(uint64_t size);
     // Puts the fill byte into the gaps inside [first, last] (all of them by default).
     void materializeGaps(uint64_t first = 0, uint64_t last = UINT64_MAX);
     uint8_t fillByte() const;

@@ -9,6 +9,11 @@ constexpr unsigned ChecksumBytes = 324;         // start, end, checksum bytes 3,
 constexpr unsigned OneBufferDocumentOnly = 337; // no arguments
 constexpr unsigned ChecksumInvalid = 341;       // no arguments
 constexpr unsigned ChecksumFuse = 342;          // start, end, checksum bytes 1, 0
+constexpr unsigned LaneNoDocument = 367;        // no arguments
+constexpr unsigned LaneNotBufferDocument = 368; // no arguments
+constexpr unsigned LaneNoData = 370;            // no arguments
+constexpr unsigned LaneDeviceWidth = 371;       // the device's data width in bits
+constexpr unsigned LaneNoDestination = 375;     // no arguments
 constexpr unsigned SwapBytesPrompt = 2152;      // no arguments
 constexpr unsigned FillErrorCaption = 2730;     // no arguments; also the fill dialog's title
 constexpr unsigned FillStartAfterEnd = 2731;    // no arguments
@@ -74,6 +79,11 @@ constexpr Entry All[] = {
     {OneBufferDocumentOnly, 0},
     {ChecksumInvalid, 0},
     {ChecksumFuse, 4},
+    {LaneNoDocument, 0},
+    {LaneNotBufferDocument, 0},
+    {LaneNoData, 0},
+    {LaneDeviceWidth, 1},
+    {LaneNoDestination, 0},
     {SwapBytesPrompt, 0},
     {FillErrorCaption, 0},
     {FillStartAfterEnd, 0},

@@ -10,10 +10,13 @@
 #include "serial/KCSerialSettings.h"
 #include "KCStatusBar.h"
 #include "KCWorkspaceTree.h"
+#include "bufops/KCSplitBuffer.h"
 
 #include <QApplication>
 #include <QFileInfo>
 #include <QLineEdit>
+#include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTimer>
@@ -123,12 +126,12 @@ TEST_F(MainFrame, JedecFileOpensInTheFuseMapLayout)
     // A second window on the same document; closing it leaves the document open.
     KCDataView *second = frame->newWindow();
     ASSERT_NE(second, nullptr);
-    EXPECT_EQ(frame->document()->views().size(), 3u); // two windows and the frame's watcher
+    EXPECT_EQ(frame->document()->views().size(), 4u); // two windows, the frame's watcher, the options view
     second->parentWidget()->close();
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QApplication::processEvents();
     ASSERT_NE(frame->document(), nullptr);
-    EXPECT_EQ(frame->document()->views().size(), 2u);
+    EXPECT_EQ(frame->document()->views().size(), 3u);
 
     // Closing the last window closes the document.
     frame->currentView()->parentWidget()->close();
@@ -273,4 +276,38 @@ TEST_F(MainFrame, TakeNextSerialNumberConsumesOneIntoTheBuffer)
     EXPECT_TRUE(lastMessage()->text().contains("set the byte count to 3 or more")) << lastMessage()->text().toStdString();
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
     EXPECT_TRUE(f.readAll().contains("NEXT=0x43"));
+}
+
+// A split adds one document per lane, each in its own window named after its lane; the
+// window in front decides the current document, and closing one leaves the others open.
+TEST_F(MainFrame, SplitOpensLaneDocumentsBesideTheSource)
+{
+    ASSERT_TRUE(frame->openFile(DemoFile));
+    KCDataDoc *source = frame->document();
+    QMdiSubWindow *sourceWindow = frame->mdiArea()->currentSubWindow();
+    KCSplitBuffer split(frame->mdiArea(), [this] { return frame->addDocument(); });
+    split.OnOK(); // 16 bits into two 8-bit lanes over the image
+    ASSERT_EQ(frame->documentCount(), 3);
+    EXPECT_EQ(frame->document()->GetTitle(), "demo.bin [Odd  Byte]");
+    QStringList titles;
+    for (QMdiSubWindow *w : frame->mdiArea()->subWindowList())
+        titles << w->windowTitle();
+    EXPECT_TRUE(titles.contains("demo.bin [Even Byte]")) << titles.join(", ").toStdString();
+    EXPECT_EQ(lastMessage()->text(), "round trip: identical");
+    EXPECT_EQ(frame->workspaceTree()->topLevelItemCount(), 3); // every document, the current one first
+    EXPECT_EQ(frame->workspaceTree()->topLevelItem(0)->text(0), "demo.bin [Odd  Byte] *");
+    EXPECT_EQ(frame->document()->GetData(0), source->GetData(1));
+    EXPECT_FALSE(frame->newDocument()); // File New still keeps to one buffer document
+    EXPECT_EQ(frame->documentCount(), 3);
+
+    frame->mdiArea()->setActiveSubWindow(sourceWindow);
+    EXPECT_EQ(frame->document(), source);
+    EXPECT_EQ(frame->mdiArea()->subWindowList().size(), 3);
+    EXPECT_TRUE(frame->closeDocument(false));
+    EXPECT_EQ(frame->documentCount(), 2);
+    ASSERT_NE(frame->document(), nullptr);
+    EXPECT_EQ(frame->mdiArea()->subWindowList().size(), 2);
+    EXPECT_TRUE(frame->closeDocument(false));
+    EXPECT_EQ(frame->documentCount(), 1);
+    frame.reset(); // the last lane's windows and document go with the frame
 }
