@@ -33,6 +33,8 @@ int takeScreenshot(KCMainFrame &frame, const KCCommandLine &line)
     }
     const bool opened = line.file.isEmpty() ? frame.newDocument() : frame.openFile(line.file);
     frame.show();
+    // Docks shown while the window comes up lay out on the next pass.
+    QApplication::processEvents();
     QApplication::processEvents();
     const QImage image = frame.grab().toImage();
     if (!image.save(line.screenshotPath, "PNG")) {

@@ -71,6 +71,9 @@ void KCDeviceOptions::CreateOptions()
             m_tab->addTab(p.caption);
     }
     m_tab->setCurrentIndex(0);
+    // A tab bar filled while hidden keeps its empty size until told.
+    m_tab->updateGeometry();
+    layout()->invalidate();
     if (!m_ctrl->pages().empty())
         EnableDefaultButton();
 }

@@ -11,6 +11,8 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+
+#include <algorithm>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -206,7 +208,9 @@ void KCOptionPage::controlRefreshed(const cParamStcBase &c, const KCControlState
             static_cast<QLineEdit *>(it->second[i])->setText(QString::fromStdString(state.elements[i]));
         break;
     case cParamStcBase::Static:
+        // A text read from the record is only known now: the label grows to show it.
         static_cast<QLabel *>(w)->setText(QString::fromStdString(state.text));
+        w->resize(std::max(w->width(), w->sizeHint().width()), w->height());
         break;
     default:
         break;
