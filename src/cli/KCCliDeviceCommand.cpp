@@ -3,6 +3,7 @@
 #include "KCCliArgs.h"
 #include "KCCliDeviceOption.h"
 #include "devopt/KCDeviceDatabase.h"
+#include "devopt/KCOptionTypeRegistry.h"
 
 #include <cstdio>
 
@@ -54,6 +55,8 @@ int KCCliDeviceCommand::run(const std::vector<std::string> &args)
     std::printf("layout:        %s\n", d.layout.c_str());
     std::printf("file type:     %s\n", d.defaultFileType.c_str());
     std::printf("option type:   %u\n", d.optionType);
+    for (const KCOptionPageEntry &page : KCOptionTypeRegistry::shared().pages(d.optionType))
+        std::printf("option page:   %s\n", page.className.c_str());
     if (d.fuseCount)
         std::printf("fuses:         %u\n", d.fuseCount);
     for (const auto &[key, value] : d.numericKeys)
