@@ -78,6 +78,8 @@ void KCDataViewModel::OnUpdate(KCDocView *, long hint)
         notify(KCDataViewListener::ChangedModified | KCDataViewListener::ChangedRows);
         return;
     }
+    // Found bytes stay coloured only while the bytes are those that were searched.
+    m_hits.reset();
     if (hint == DOCHINT_DATA) {
         notify(KCDataViewListener::ChangedRows);
         return;

@@ -72,6 +72,7 @@ bool KCValueEditController::handleChar(unsigned ch)
         return false;
     }
     doc->SetData(value, addr);
+    m_view.m_hits.reset(); // the bytes found are no longer what was searched
     doc->UpdateAllViews(&m_view, DOCHINT_DATA);
     m_view.notify(KCDataViewListener::ChangedRows);
     m_view.OnKeyDown(KCDataViewModel::KeyRight);

@@ -145,6 +145,12 @@ TEST_F(SearchDialog, FindAllColoursTheHitsAndListsThemForJumping)
     TAG_VIEW_ROW row;
     view->model().renderScreenLine(view->model().topLineCount() + 1, row); // address 0x10
     EXPECT_NE(std::find(row.state.begin(), row.state.end(), VCS_HIT), row.state.end());
+    // A byte typed over a hit leaves no stale colour behind.
+    view->model().setCaretAddress(0x40);
+    QTest::keyClicks(view.get(), "7");
+    EXPECT_EQ(view->model().searchHits(), nullptr);
+    click("findAll");
+    ASSERT_TRUE(waitDone());
 
     QListWidget *list = dlg->hitList();
     ASSERT_EQ(list->count(), 3);
