@@ -25,16 +25,6 @@ constexpr int BitsPerByte = 8;
 // A family file larger than this is no device list.
 constexpr std::streamoff MaxFileBytes = 4 << 20;
 
-// A device field: its JSON name and whether a family's defaults may give it.
-const std::set<std::string> &deviceFields()
-{
-    static const std::set<std::string> fields = {
-        "name", "vendor", "type", "kind", "size", "dataWidth", "BSA", "BEA", "DSA", "DEA", "DMA", "addressOffset",
-        "optionType", "layout", "defaultFileType", "fuseCount", "optionBytes", "numericKeys", "textKeys",
-        "engine", "engineChip", "engineEmulation"};
-    return fields;
-}
-
 std::string lower(std::string s)
 {
     std::transform(s.begin(), s.end(), s.begin(), [](unsigned char c) { return char(std::tolower(c)); });

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 namespace {
 
@@ -99,59 +100,18 @@ bool KCAlgoKeys::table(uint16_t offset, uint16_t size, const uint8_t *&begin, co
     return true;
 }
 
-uint32_t KCAlgoKeys::numeric(const std::string &key, bool *found) const
+uint8_t *KCAlgoKeys::slotValue(const std::string &key) const
 {
-    if (found)
-        *found = false;
-    if (const uint32_t *field = fixedField(key)) {
-        uint32_t v;
-        std::memcpy(&v, field, sizeof v);
-        if (found)
-            *found = true;
-        return v;
-    }
     const bool knN = key == KeyKnN;
-    if (knN || key == KeyScN) {
-        const uint16_t present = knN ? m_record.knNPresent : m_record.scNPresent;
-        const uint16_t offset = knN ? m_record.knNOffset : m_record.scNOffset;
-        if (present && offset + SlotBytes <= ALGODATA_VARIABLE_BYTES) {
-            if (found)
-                *found = true;
-            return readLe16(m_record.variable + offset);
-        }
-    }
-    const uint8_t *p, *end;
-    if (!table(m_record.numKeyTableOffset, m_record.numKeyTableSize, p, end))
-        return 0;
-    while (p < end) {
-        const uint8_t *zero = nameEnd(p, end);
-        if (!zero || zero + 1 + ValueBytes > end)
-            break;
-        if (size_t(zero - p) == key.size() && std::memcmp(p, key.data(), key.size()) == 0) {
-            if (found)
-                *found = true;
-            return readLe32(zero + 1);
-        }
-        p = zero + 1 + ValueBytes;
-    }
-    return 0;
+    if (!knN && key != KeyScN)
+        return nullptr;
+    const uint16_t present = knN ? m_record.knNPresent : m_record.scNPresent;
+    const uint16_t offset = knN ? m_record.knNOffset : m_record.scNOffset;
+    return present && offset + SlotBytes <= ALGODATA_VARIABLE_BYTES ? m_record.variable + offset : nullptr;
 }
 
-bool KCAlgoKeys::setNumeric(const std::string &key, uint32_t value)
+bool KCAlgoKeys::scanNumeric(const std::function<bool(std::string_view, uint8_t *)> &visit) const
 {
-    if (uint32_t *field = fixedField(key)) {
-        std::memcpy(field, &value, sizeof value);
-        return true;
-    }
-    const bool knN = key == KeyKnN;
-    if (knN || key == KeyScN) {
-        const uint16_t present = knN ? m_record.knNPresent : m_record.scNPresent;
-        const uint16_t offset = knN ? m_record.knNOffset : m_record.scNOffset;
-        if (present && offset + SlotBytes <= ALGODATA_VARIABLE_BYTES) {
-            writeLe16(m_record.variable + offset, uint16_t(value));
-            return true;
-        }
-    }
     const uint8_t *p, *end;
     if (!table(m_record.numKeyTableOffset, m_record.numKeyTableSize, p, end))
         return false;
@@ -159,13 +119,71 @@ bool KCAlgoKeys::setNumeric(const std::string &key, uint32_t value)
         const uint8_t *zero = nameEnd(p, end);
         if (!zero || zero + 1 + ValueBytes > end)
             break;
-        if (size_t(zero - p) == key.size() && std::memcmp(p, key.data(), key.size()) == 0) {
-            writeLe32(const_cast<uint8_t *>(zero + 1), value);
+        if (visit(std::string_view(reinterpret_cast<const char *>(p), size_t(zero - p)), const_cast<uint8_t *>(zero + 1)))
             return true;
-        }
         p = zero + 1 + ValueBytes;
     }
     return false;
+}
+
+bool KCAlgoKeys::scanText(const std::function<bool(std::string_view, std::string_view)> &visit) const
+{
+    const uint8_t *p, *end;
+    if (!table(m_record.textKeyTableOffset, m_record.textKeyTableSize, p, end))
+        return false;
+    while (p < end) {
+        const uint8_t *zero = nameEnd(p, end);
+        const uint8_t *valueEnd = zero ? nameEnd(zero + 1, end) : nullptr;
+        if (!valueEnd)
+            break;
+        if (visit(std::string_view(reinterpret_cast<const char *>(p), size_t(zero - p)),
+                  std::string_view(reinterpret_cast<const char *>(zero + 1), size_t(valueEnd - zero - 1))))
+            return true;
+        p = valueEnd + 1;
+    }
+    return false;
+}
+
+uint8_t *KCAlgoKeys::tableValue(const std::string &key) const
+{
+    uint8_t *at = nullptr;
+    scanNumeric([&](std::string_view name, uint8_t *value) {
+        if (name != key)
+            return false;
+        at = value;
+        return true;
+    });
+    return at;
+}
+
+uint32_t KCAlgoKeys::numeric(const std::string &key, bool *found) const
+{
+    uint32_t v = 0;
+    bool have = true;
+    if (const uint32_t *field = fixedField(key))
+        std::memcpy(&v, field, sizeof v);
+    else if (const uint8_t *slot = slotValue(key))
+        v = readLe16(slot);
+    else if (const uint8_t *value = tableValue(key))
+        v = readLe32(value);
+    else
+        have = false;
+    if (found)
+        *found = have;
+    return v;
+}
+
+bool KCAlgoKeys::setNumeric(const std::string &key, uint32_t value)
+{
+    if (uint32_t *field = fixedField(key))
+        std::memcpy(field, &value, sizeof value);
+    else if (uint8_t *slot = slotValue(key))
+        writeLe16(slot, uint16_t(value));
+    else if (uint8_t *at = tableValue(key))
+        writeLe32(at, value);
+    else
+        return false;
+    return true;
 }
 
 bool KCAlgoKeys::text(const std::string &key, std::string &value) const
@@ -176,23 +194,12 @@ bool KCAlgoKeys::text(const std::string &key, std::string &value) const
         value.assign(field, strnlen(field, ALGODATA_TEXT_FIELD_BYTES));
         return true;
     }
-    const uint8_t *p, *end;
-    if (!table(m_record.textKeyTableOffset, m_record.textKeyTableSize, p, end))
-        return false;
-    while (p < end) {
-        const uint8_t *zero = nameEnd(p, end);
-        if (!zero)
-            break;
-        const uint8_t *valueEnd = nameEnd(zero + 1, end);
-        if (!valueEnd)
-            break;
-        if (size_t(zero - p) == key.size() && std::memcmp(p, key.data(), key.size()) == 0) {
-            value.assign(reinterpret_cast<const char *>(zero + 1), size_t(valueEnd - zero - 1));
-            return true;
-        }
-        p = valueEnd + 1;
-    }
-    return false;
+    return scanText([&](std::string_view name, std::string_view text) {
+        if (name != key)
+            return false;
+        value.assign(text);
+        return true;
+    });
 }
 
 bool KCAlgoKeys::build(const NumericKeys &numericKeys, const TextKeys &textKeys)
@@ -255,22 +262,13 @@ bool KCAlgoKeys::build(const NumericKeys &numericKeys, const TextKeys &textKeys)
 KCAlgoKeys::NumericKeys KCAlgoKeys::numericKeys() const
 {
     NumericKeys keys;
-    const uint8_t *p, *end;
-    if (table(m_record.numKeyTableOffset, m_record.numKeyTableSize, p, end)) {
-        while (p < end) {
-            const uint8_t *zero = nameEnd(p, end);
-            if (!zero || zero + 1 + ValueBytes > end)
-                break;
-            keys.emplace_back(std::string(reinterpret_cast<const char *>(p), size_t(zero - p)), readLe32(zero + 1));
-            p = zero + 1 + ValueBytes;
-        }
-    }
-    for (const char *slot : {KeyKnN, KeyScN}) {
-        bool found = false;
-        const uint32_t v = numeric(slot, &found);
-        if (found)
-            keys.emplace_back(slot, v);
-    }
+    scanNumeric([&](std::string_view name, uint8_t *value) {
+        keys.emplace_back(std::string(name), readLe32(value));
+        return false;
+    });
+    for (const char *slot : {KeyKnN, KeyScN})
+        if (const uint8_t *value = slotValue(slot))
+            keys.emplace_back(slot, readLe16(value));
     return keys;
 }
 
@@ -282,19 +280,9 @@ KCAlgoKeys::TextKeys KCAlgoKeys::textKeys() const
         if (text(field, v))
             keys.emplace_back(field, v);
     }
-    const uint8_t *p, *end;
-    if (!table(m_record.textKeyTableOffset, m_record.textKeyTableSize, p, end))
-        return keys;
-    while (p < end) {
-        const uint8_t *zero = nameEnd(p, end);
-        if (!zero)
-            break;
-        const uint8_t *valueEnd = nameEnd(zero + 1, end);
-        if (!valueEnd)
-            break;
-        keys.emplace_back(std::string(reinterpret_cast<const char *>(p), size_t(zero - p)),
-                          std::string(reinterpret_cast<const char *>(zero + 1), size_t(valueEnd - zero - 1)));
-        p = valueEnd + 1;
-    }
+    scanText([&](std::string_view name, std::string_view value) {
+        keys.emplace_back(std::string(name), std::string(value));
+        return false;
+    });
     return keys;
 }

@@ -3,7 +3,9 @@
 #include "doc/TAG_UI_ALGODATA_KRL3.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -38,6 +40,13 @@ public:
 
 private:
     uint32_t *fixedField(const std::string &key) const;
+    // The value of "KN_N" or "SC_N" when the record holds it, else null.
+    uint8_t *slotValue(const std::string &key) const;
+    // The 4 value bytes of a numeric table entry, else null.
+    uint8_t *tableValue(const std::string &key) const;
+    // Walks a table's entries until `visit` returns true (then true).
+    bool scanNumeric(const std::function<bool(std::string_view, uint8_t *)> &visit) const;
+    bool scanText(const std::function<bool(std::string_view, std::string_view)> &visit) const;
     char *textField(const std::string &key) const;
     // The table's bytes within the variable area, clipped to it.
     bool table(uint16_t offset, uint16_t size, const uint8_t *&begin, const uint8_t *&end) const;

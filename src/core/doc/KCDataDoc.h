@@ -258,6 +258,10 @@ public:
     KCMainProgDataExChange *host() const { return m_host; }
 
 private:
+    struct DeviceState;
+    DeviceState deviceState();
+    void restoreDeviceState(const DeviceState &state);
+
     KCMainProgDataExChange *m_host;
     int m_projectFlag = 0;
     int m_reserved = 0;

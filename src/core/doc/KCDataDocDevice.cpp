@@ -22,6 +22,33 @@ std::unique_ptr<KCSelectDeviceCtrlBase> controlForKind(uint32_t kind, KCDataDoc 
 
 } // namespace
 
+// What a failed selection puts back.
+struct KCDataDoc::DeviceState
+{
+    DEVICE_KRLXDEF_ITEM item;
+    TAG_UI_ALGODATA_KRL3 record;
+    std::string name;
+    uint32_t type;
+    TAG_BUFFER_PARAM param;
+    std::vector<TAG_DATADOC_VIEWITEM> items;
+};
+
+KCDataDoc::DeviceState KCDataDoc::deviceState()
+{
+    return {m_deviceItem,           m_algoParam->algoUiData(), m_algoParam->deviceName(), m_algoParam->deviceType(),
+            *mainBufferParam(),     m_viewItems};
+}
+
+void KCDataDoc::restoreDeviceState(const DeviceState &state)
+{
+    m_deviceItem = state.item;
+    m_algoParam->algoUiData() = state.record;
+    m_algoParam->setDeviceName(state.name);
+    m_algoParam->setDeviceType(state.type);
+    *mainBufferParam() = state.param;
+    m_viewItems = state.items;
+}
+
 uint64_t KCDataDoc::definedBytesFrom(uint64_t size) const
 {
     return m_dataMap.countIn(size, UINT64_MAX);
@@ -35,25 +62,10 @@ int KCDataDoc::selectDevice(const DEVICE_KRLXDEF_ITEM &device)
     if (!control)
         return 0;
 
-    // What a failed configuration puts back.
-    const DEVICE_KRLXDEF_ITEM oldItem = m_deviceItem;
-    const TAG_UI_ALGODATA_KRL3 oldRecord = m_algoParam->algoUiData();
-    const std::string oldName = m_algoParam->deviceName();
-    const uint32_t oldType = m_algoParam->deviceType();
-    const TAG_BUFFER_PARAM oldParam = *mainBufferParam();
-    const std::vector<TAG_DATADOC_VIEWITEM> oldItems = m_viewItems;
-    const auto restore = [&] {
-        m_deviceItem = oldItem;
-        m_algoParam->algoUiData() = oldRecord;
-        m_algoParam->setDeviceName(oldName);
-        m_algoParam->setDeviceType(oldType);
-        *mainBufferParam() = oldParam;
-        m_viewItems = oldItems;
-    };
-
+    const DeviceState before = deviceState();
     SetDeviceItemX(&device);
     if (!m_algoParam->CfgAlgoDataOnDeviceSelect(device) || !control->attach()) {
-        restore();
+        restoreDeviceState(before);
         return 0;
     }
     if (m_selectDeviceCtrl)
@@ -85,25 +97,14 @@ int KCDataDoc::selectDevice(const DEVICE_KRLXDEF_ITEM &device)
 int KCDataDoc::deselectDeviceItem()
 {
     auto control = std::make_unique<KCSelectDeviceNoneCtrl>(this);
-    const DEVICE_KRLXDEF_ITEM oldItem = m_deviceItem;
-    const TAG_UI_ALGODATA_KRL3 oldRecord = m_algoParam->algoUiData();
-    const std::string oldName = m_algoParam->deviceName();
-    const uint32_t oldType = m_algoParam->deviceType();
-    const TAG_BUFFER_PARAM oldParam = *mainBufferParam();
-    const std::vector<TAG_DATADOC_VIEWITEM> oldItems = m_viewItems;
-
+    const DeviceState before = deviceState();
     ResetDeviceItemX();
     m_algoParam->clearDevice(m_host->GetNoDeviceName());
     TAG_BUFFER_PARAM &param = *mainBufferParam();
     param.LBSA = param.LBEA = param.SBSA = param.SBEA = 0xFFFFFFFF;
     param.loadRangeFromDevice = param.saveRangeFromDevice = 0;
     if (!control->attach()) {
-        m_deviceItem = oldItem;
-        m_algoParam->algoUiData() = oldRecord;
-        m_algoParam->setDeviceName(oldName);
-        m_algoParam->setDeviceType(oldType);
-        param = oldParam;
-        m_viewItems = oldItems;
+        restoreDeviceState(before);
         return 0;
     }
     if (m_selectDeviceCtrl)

@@ -51,3 +51,15 @@ bool KCNumberText::parseRange(const std::string &text, uint64_t &first, uint64_t
     last = b;
     return true;
 }
+
+int KCNumberText::hexDigitValue(unsigned ch)
+{
+    constexpr int DecimalDigits = 10;
+    if (ch >= '0' && ch <= '9')
+        return static_cast<int>(ch - '0');
+    if (ch >= 'a' && ch <= 'f')
+        return static_cast<int>(ch - 'a' + DecimalDigits);
+    if (ch >= 'A' && ch <= 'F')
+        return static_cast<int>(ch - 'A' + DecimalDigits);
+    return -1;
+}

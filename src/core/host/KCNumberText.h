@@ -12,6 +12,8 @@ class KCNumberText
 public:
     // False for an empty text, a stray character or a value above max.
     static bool parse(const std::string &text, uint64_t &value, uint64_t max = UINT64_MAX, int defaultBase = 10);
+    // The value of one hexadecimal digit typed as a character, -1 for any other character.
+    static int hexDigitValue(unsigned ch);
     // "START:END" with START <= END <= max.
     static bool parseRange(const std::string &text, uint64_t &first, uint64_t &last, uint64_t max = UINT64_MAX,
                            int defaultBase = 10);

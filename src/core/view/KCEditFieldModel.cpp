@@ -1,6 +1,7 @@
 #include "view/KCEditFieldModel.h"
 
 #include "view/KCClipboardPort.h"
+#include "host/KCNumberText.h"
 
 #include <algorithm>
 
@@ -9,17 +10,6 @@ namespace {
 constexpr int HighNibbleShift = 4;
 constexpr unsigned LowNibbleMask = 0x0F;
 constexpr unsigned HighNibbleMask = 0xF0;
-
-int hexValue(unsigned ch)
-{
-    if (ch >= '0' && ch <= '9')
-        return static_cast<int>(ch - '0');
-    if (ch >= 'a' && ch <= 'f')
-        return static_cast<int>(ch - 'a' + 10);
-    if (ch >= 'A' && ch <= 'F')
-        return static_cast<int>(ch - 'A' + 10);
-    return -1;
-}
 
 } // namespace
 
@@ -217,7 +207,7 @@ bool KCEditFieldModel::undo()
 
 bool KCEditFieldModel::typeHexDigit(unsigned ch)
 {
-    const int d = hexValue(ch);
+    const int d = KCNumberText::hexDigitValue(ch);
     const int64_t i = caretIndex();
     if (d < 0 || !isValidColumn(m_caret))
         return false;

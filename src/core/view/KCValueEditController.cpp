@@ -2,6 +2,7 @@
 
 #include "doc/KCDataDoc.h"
 #include "view/KCDataViewListener.h"
+#include "host/KCNumberText.h"
 
 namespace {
 
@@ -10,17 +11,6 @@ constexpr unsigned LastByteCode = 0xFF;
 constexpr int HighNibbleShift = 4;
 constexpr unsigned char LowNibble = 0x0F;
 constexpr unsigned char HighNibble = 0xF0;
-
-int hexValue(unsigned ch)
-{
-    if (ch >= '0' && ch <= '9')
-        return static_cast<int>(ch - '0');
-    if (ch >= 'a' && ch <= 'f')
-        return static_cast<int>(ch - 'a' + 10);
-    if (ch >= 'A' && ch <= 'F')
-        return static_cast<int>(ch - 'A' + 10);
-    return -1;
-}
 
 } // namespace
 
@@ -51,7 +41,7 @@ bool KCValueEditController::handleChar(unsigned ch)
     unsigned char value;
     switch (cell->kind) {
     case XL_HEXBYTE: {
-        const int digit = hexValue(ch);
+        const int digit = KCNumberText::hexDigitValue(ch);
         if (digit < 0)
             return false;
         value = c.column == cell->x ? static_cast<unsigned char>((old & LowNibble) | (digit << HighNibbleShift))

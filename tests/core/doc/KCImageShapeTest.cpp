@@ -110,8 +110,9 @@ TEST(KCImageShape, EveryWritableFormatRoundTripsItsSamples)
         const uint8_t *b = second.AlgoParam().buffer(0).data();
         for (const KCAddressRange &r : first.dataMap().ranges())
             EXPECT_EQ(std::string(a + r.first, a + r.second + 1), std::string(b + r.first, b + r.second + 1));
-        if (type == LS_BINARY)
+        if (type == LS_BINARY) {
             EXPECT_EQ(readFile(out).size(), readFile(path).size());
+        }
     }
 }
 
