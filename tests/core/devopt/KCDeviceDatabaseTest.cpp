@@ -1,6 +1,7 @@
 // The device database checks itself: every device is consistent with its layout, ranges and
 // record, and bad files are told with their name and line.
 #include "devopt/KCDeviceDatabase.h"
+#include "devopt/KCOptionTypeRegistry.h"
 #include "doc/KCAlgoKeys.h"
 #include "doc/KCLayoutNames.h"
 #include "doc/cAlgoParam.h"
@@ -43,6 +44,8 @@ TEST(DeviceDatabase, EveryDeviceIsConsistent)
         EXPECT_EQ(d.DEA - d.DSA + 1, (d.BEA - d.BSA + 1) / unit);
         EXPECT_GE(d.DMA, d.DEA);
         EXPECT_NE(KCFormatNames::loadSaveType(d.defaultFileType), LS_INVALID) << d.defaultFileType;
+        EXPECT_TRUE(KCOptionTypeRegistry::shared().isRegistered(d.optionType)) << d.optionType;
+        EXPECT_FALSE(KCOptionTypeRegistry::shared().pages(d.optionType).empty());
         // Fuse maps: one byte per fuse, shown and checksummed as a fuse map.
         EXPECT_EQ(d.fuseCount != 0, d.layout == LAYOUT_JEDVIEW);
         if (d.fuseCount) {
