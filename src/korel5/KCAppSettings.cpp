@@ -9,6 +9,7 @@ const char *const Application = "korel5";
 const char *const KeyBufferSize = "buffer/defaultSize";
 const char *const KeyFillByte = "buffer/fillByte";
 const char *const KeyUndoBudget = "edit/undoBudgetMiB";
+const char *const KeyHitListLimit = "search/hitListLimit";
 const char *const KeyFont = "view/font";
 const char *const KeyLastDirectory = "files/lastDirectory";
 const char *const KeyRecentFiles = "files/recent";
@@ -36,6 +37,8 @@ void KCAppSettings::load()
     m_fillByte = ok && fill <= 0xFF ? uint8_t(fill) : DefaultFillByte;
     const uint undoMiB = m_store->value(KeyUndoBudget, DefaultUndoBudgetMiB).toUInt(&ok);
     setUndoBudgetMiB(ok ? undoMiB : DefaultUndoBudgetMiB);
+    const uint hits = m_store->value(KeyHitListLimit, DefaultHitListLimit).toUInt(&ok);
+    setHitListLimit(ok ? hits : DefaultHitListLimit);
     const QString fontText = m_store->value(KeyFont).toString();
     QFont font;
     if (!fontText.isEmpty() && font.fromString(fontText)) {
@@ -74,6 +77,7 @@ void KCAppSettings::save()
     m_store->setValue(KeyBufferSize, qulonglong(m_bufferSize));
     m_store->setValue(KeyFillByte, uint(m_fillByte));
     m_store->setValue(KeyUndoBudget, m_undoBudgetMiB);
+    m_store->setValue(KeyHitListLimit, m_hitListLimit);
     if (m_hasFont)
         m_store->setValue(KeyFont, m_font.toString());
     m_store->setValue(KeyLastDirectory, m_lastDirectory);

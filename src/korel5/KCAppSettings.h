@@ -20,6 +20,9 @@ public:
     // Memory the undo history of a document may hold; a larger change is made only after asking.
     static constexpr unsigned DefaultUndoBudgetMiB = 256;
     static constexpr unsigned MaxUndoBudgetMiB = 64 * 1024;
+    // Addresses a find-all lists; the count goes on beyond.
+    static constexpr unsigned DefaultHitListLimit = 100000;
+    static constexpr unsigned MaxHitListLimit = 10000000;
 
     // The user's settings store; `fileName` selects a file of its own (tests, portable use).
     explicit KCAppSettings(const QString &fileName = QString());
@@ -33,6 +36,8 @@ public:
     unsigned undoBudgetMiB() const { return m_undoBudgetMiB; }
     uint64_t undoBudgetBytes() const { return uint64_t(m_undoBudgetMiB) << 20; }
     void setUndoBudgetMiB(unsigned mib) { m_undoBudgetMiB = mib > MaxUndoBudgetMiB ? MaxUndoBudgetMiB : mib; }
+    unsigned hitListLimit() const { return m_hitListLimit; }
+    void setHitListLimit(unsigned n) { m_hitListLimit = n == 0 ? 1 : n > MaxHitListLimit ? MaxHitListLimit : n; }
     // The data views' font; the system's fixed font until one is chosen.
     QFont font() const { return m_font; }
     bool hasFont() const { return m_hasFont; }
@@ -58,6 +63,7 @@ private:
     uint64_t m_bufferSize = DefaultBufferSize;
     uint8_t m_fillByte = DefaultFillByte;
     unsigned m_undoBudgetMiB = DefaultUndoBudgetMiB;
+    unsigned m_hitListLimit = DefaultHitListLimit;
     QFont m_font;
     bool m_hasFont = false;
     QString m_lastDirectory;

@@ -297,6 +297,7 @@ void KCMainFrame::createActions()
         if (!view)
             return;
         KCSearchDlgBox dialog(view, this);
+        dialog.model().setListLimit(m_settings.hitListLimit());
         dialog.exec();
         view->viewport()->update();
     });

@@ -47,6 +47,11 @@ KCSettingsDialog::KCSettingsDialog(const KCAppSettings &settings, QWidget *paren
     m_undoBudget->setToolTip(tr("Memory each buffer's undo history may hold. A change that needs more is made only "
                                 "after asking, and cannot be undone."));
     m_undoBudget->setValue(int(settings.undoBudgetMiB()));
+    m_hitListLimit = new QSpinBox(this);
+    m_hitListLimit->setObjectName("hitListLimitSpin");
+    m_hitListLimit->setRange(1, int(KCAppSettings::MaxHitListLimit));
+    m_hitListLimit->setToolTip(tr("Addresses Find All lists; it goes on counting beyond them."));
+    m_hitListLimit->setValue(int(settings.hitListLimit()));
     m_fontLabel = new QLabel(this);
     auto *fontButton = new QPushButton(tr("Choose..."), this);
     connect(fontButton, &QPushButton::clicked, this, &KCSettingsDialog::chooseFont);
@@ -59,6 +64,7 @@ KCSettingsDialog::KCSettingsDialog(const KCAppSettings &settings, QWidget *paren
     form->addRow(tr("New buffer size (hex bytes):"), m_size);
     form->addRow(tr("Fill byte:"), m_fill);
     form->addRow(tr("Undo memory:"), m_undoBudget);
+    form->addRow(tr("Find All lists at most:"), m_hitListLimit);
     form->addRow(tr("Data view font:"), fontRow);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(buttons, &QDialogButtonBox::accepted, this, [this] {
@@ -99,6 +105,7 @@ bool KCSettingsDialog::applyTo(KCAppSettings &settings) const
     settings.setDefaultBufferSize(size);
     settings.setFillByte(static_cast<uint8_t>(m_fill->value()));
     settings.setUndoBudgetMiB(unsigned(m_undoBudget->value()));
+    settings.setHitListLimit(unsigned(m_hitListLimit->value()));
     if (m_fontChanged)
         settings.setFont(m_font);
     return true;

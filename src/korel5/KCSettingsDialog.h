@@ -26,6 +26,7 @@ private:
     QLineEdit *m_size;
     QSpinBox *m_fill;
     QSpinBox *m_undoBudget;
+    QSpinBox *m_hitListLimit;
     QLabel *m_fontLabel;
     QFont m_font;
     bool m_fontChanged = false;

@@ -375,10 +375,12 @@ TEST_F(ImageShapeApp, GoToAddressByItsKeys)
     EXPECT_TRUE(warnings[0].contains("100 is no address of this buffer"));
 }
 
-// The undo memory is a setting; with it off a change leaves nothing to undo.
+// The undo memory and the length of the hit list are settings; with undo off a change leaves
+// nothing to undo.
 TEST_F(ImageShapeApp, UndoMemoryIsASetting)
 {
     frame->settings().setUndoBudgetMiB(0);
+    frame->settings().setHitListLimit(250);
     ASSERT_TRUE(frame->openFile(write("undo.bin", QByteArray(0x40, '\0'))));
     KCDataView *view = frame->currentView();
     QApplication::setActiveWindow(frame.get());
@@ -388,5 +390,6 @@ TEST_F(ImageShapeApp, UndoMemoryIsASetting)
     EXPECT_FALSE(frame->action(QKeySequence::Undo)->isEnabled());
     frame->settings().save();
     EXPECT_EQ(KCAppSettings(dir.filePath("korel5.ini")).undoBudgetMiB(), 0u);
+    EXPECT_EQ(KCAppSettings(dir.filePath("korel5.ini")).hitListLimit(), 250u);
     EXPECT_EQ(KCAppSettings(dir.filePath("korel5-none.ini")).undoBudgetMiB(), KCAppSettings::DefaultUndoBudgetMiB);
 }
