@@ -16,13 +16,25 @@ constexpr unsigned LabelStrings[] = {KCHostStrings::CountPassLabel, KCHostString
 
 KCDeviceCountModel::KCDeviceCountModel(KCMainProgDataExChange *host) : m_host(host)
 {
-    for (int i = 0; i < 4; ++i)
-        m_elements[2 * i].text = m_host ? m_host->GetHostString(LabelStrings[i]) : std::string();
+    setLabels();
     m_elements[TE_PASS].text = m_elements[TE_FAIL].text = m_elements[TE_TOTAL].text = Unknown;
     m_elements[TE_YIELD].text = Unknown;
     m_elements[TE_PASS].color = PassColor;
     m_elements[TE_FAIL].color = FailColor;
     m_elements[TE_TOTAL].color = TotalColor;
+}
+
+KCMainProgDataExChange *KCDeviceCountModel::host() const
+{
+    // A view may be made before the application's host exists; it is found when needed.
+    return m_host ? m_host : g_pMainProgDataExChange;
+}
+
+void KCDeviceCountModel::setLabels()
+{
+    KCMainProgDataExChange *h = host();
+    for (int i = 0; i < 4; ++i)
+        m_elements[size_t(2 * i)].text = h ? h->GetHostString(LabelStrings[i]) : std::string();
 }
 
 KCDrawText *KCDeviceCountModel::GetTE(int id)
@@ -50,7 +62,10 @@ void KCDeviceCountModel::CfgCountInfo(int pass, int fail)
 void KCDeviceCountModel::DrawCountInfo(double nowSeconds)
 {
     if (!m_host)
+        m_host = g_pMainProgDataExChange;
+    if (!m_host)
         return;
+    setLabels();
     const int pass = m_host->GetPassCount();
     const int fail = m_host->GetFailCount();
     CfgCountInfo(pass, fail);
@@ -104,6 +119,8 @@ void KCDeviceCountModel::InitDraw(int rowStep)
 
 void KCDeviceCountModel::resetCounts(const std::string &when)
 {
+    if (!m_host)
+        m_host = g_pMainProgDataExChange;
     if (!m_host)
         return;
     const int pass = m_host->GetPassCount();

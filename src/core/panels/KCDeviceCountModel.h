@@ -59,6 +59,8 @@ public:
 
 private:
     KCMainProgDataExChange *m_host;
+    KCMainProgDataExChange *host() const;
+    void setLabels();
     std::array<KCDrawText, TE_COUNT> m_elements;
     std::string m_pass = Unknown;
     std::string m_fail = Unknown;

@@ -86,6 +86,13 @@ void KCDeviceCountView::OnResetCounterClick()
     m_reset->setEnabled(m_enable->isChecked());
 }
 
+void KCDeviceCountView::showEvent(QShowEvent *event)
+{
+    // The host may have come after the view; showing reads its labels and counts.
+    DrawCountInfo();
+    QWidget::showEvent(event);
+}
+
 void KCDeviceCountView::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
