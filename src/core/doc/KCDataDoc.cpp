@@ -106,6 +106,7 @@ bool KCDataDoc::OnNewDocument()
 
 void KCDataDoc::OnCloseDocument()
 {
+    SaveKpf2OnClose();
     KCDocBase::OnCloseDocument();
     nOpenInitLoadFileType = LS_BINARY;
     nOpenInitLoadFilterType = FILTER_ALL;

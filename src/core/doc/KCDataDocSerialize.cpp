@@ -198,10 +198,16 @@ int KCDataDoc::WriteKpf2File(const std::string &path)
 
 int KCDataDoc::SaveKpf2OnClose()
 {
-    // Only an open project is written back; its counts and settings change during a run.
-    if (m_projectFlag != LS_KPF2 || m_ownPathName.empty() || !HasDeviceX())
+    // An open project is written back so that its production counts survive a restart;
+    // only when the counts moved and nothing else is unsaved (changes the user declined to
+    // save stay unsaved). A handler job is never rewritten: its released CRC would change.
+    // The project's own path is the framework's: the document's own path names data files.
+    if (m_projectFlag != LS_KPF2 || GetPathName().empty() || !HasDeviceX() || IsModified())
         return 0;
-    return WriteKpf2File(m_ownPathName);
+    const cKpf2ReadShadowData &read = *m_kpfShadow;
+    if (m_host->GetPassCount() == read.passCount && m_host->GetFailCount() == read.failCount)
+        return 0;
+    return WriteKpf2File(GetPathName());
 }
 
 void KCDataDoc::SuccessCountIncrement()

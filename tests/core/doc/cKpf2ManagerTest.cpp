@@ -138,6 +138,32 @@ TEST_F(ProjectFiles, AHandlerJobKeepsItsActionAndBoxAndItsChecksumIsTheFiles)
     EXPECT_EQ(back->GetData(0x1FF), 0xAB);
 }
 
+TEST_F(ProjectFiles, ClosingAProjectKeepsItsCountsButNeverRewritesAJob)
+{
+    KCDataDoc doc;
+    makeProject(doc);
+    const std::string project = dir.file("run.kpf2");
+    const std::string job = dir.file("run.handlerjob");
+    doc.SetKPFFileFlag(LS_KPF2);
+    ASSERT_TRUE(doc.OnSaveDocument(project.c_str()));
+    doc.SetKPFFileFlag(LS_HANDLERJOB);
+    ASSERT_TRUE(doc.OnSaveDocument(job.c_str()));
+    const std::string jobText = readAll(job);
+
+    for (const auto &[path, type] : {std::make_pair(project, LS_KPF2), std::make_pair(job, LS_HANDLERJOB)}) {
+        auto run = open(path, type);
+        ASSERT_EQ(run->GetKPFFileFlag(), type);
+        run->SuccessCountIncrement();
+        run->FailCountIncrement();
+        run->OnCloseDocument();
+    }
+    EXPECT_EQ(readAll(job), jobText);
+    host.SetCounts(-1, -1);
+    auto again = open(project);
+    EXPECT_EQ(host.GetPassCount(), 6);
+    EXPECT_EQ(host.GetFailCount(), 3);
+}
+
 TEST_F(ProjectFiles, NoDeviceNoProjectAndTheOldFileStays)
 {
     KCDataDoc doc;
