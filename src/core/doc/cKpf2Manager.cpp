@@ -102,7 +102,7 @@ public:
 
     json parse()
     {
-        size_t furthest = 0;
+        size_t &furthest = m_furthest;
         CountingIterator first{m_text.data(), m_text.data(), &furthest};
         CountingIterator last{m_text.data() + m_text.size(), m_text.data(), &furthest};
         auto callback = [&](int, json::parse_event_t event, json &parsed) {
@@ -145,6 +145,9 @@ public:
         }
     }
 
+    // The line the parser had reached.
+    int lineReached() const { return lineBefore(m_furthest); }
+
     int lineOfOffset(size_t offset) const
     {
         offset = std::min(offset, m_text.size());
@@ -160,6 +163,7 @@ private:
         std::string pointer;
     };
     const std::string &m_text;
+    size_t m_furthest = 0;
     std::vector<Frame> m_frames;
     std::map<std::string, int> m_lines;
 
@@ -496,6 +500,13 @@ int cKpf2Manager::parse(const std::string &text, const std::string &name, cKpf2R
         const size_t detail = what.find("syntax error");
         error = name + ":" + std::to_string(lined.lineOfOffset(e.byte ? e.byte - 1 : 0)) + ": not a project file: "
                 + (detail == std::string::npos ? what : what.substr(detail));
+        return 0;
+    } catch (const json::exception &e) {
+        // A number too large for any field, for instance.
+        std::string what = e.what();
+        const size_t detail = what.find("] ");
+        error = name + ":" + std::to_string(lined.lineReached())
+                + ": not a project file: " + (detail == std::string::npos ? what : what.substr(detail + 2));
         return 0;
     }
     cKpf2ReadShadowData shadow;

@@ -197,6 +197,7 @@ TEST_F(ProjectFiles, DamagedProjectsAreRefusedWithTheirLine)
         {"bad hex", "\"01020304\"", "\"010203G4\"", "\"01020304\"", "not a hexadecimal byte"},
         {"checksum", "\"01020304\"", "\"01020305\"", "\"byteSum\"", "do not match its checksum"},
         {"range past the buffer", "\"first\": 16", "\"first\": 510", "\"first\": 16", "beyond the buffer"},
+        {"number overflow", "\"byteCount\": 4", "\"byteCount\": 1e999", "\"byteCount\"", "number overflow"},
         {"syntax", "\"kind\": \"project\",", "\"kind\": \"project\"", "\"kind\": \"project\"", "not a project file"},
     };
     for (const Case &c : cases) {
