@@ -164,6 +164,25 @@ TEST_F(ProjectFiles, ClosingAProjectKeepsItsCountsButNeverRewritesAJob)
     EXPECT_EQ(host.GetFailCount(), 3);
 }
 
+TEST_F(ProjectFiles, AProjectNamingADataFileLoadsItWhenOpened)
+{
+    KCDataDoc doc;
+    makeProject(doc);
+    const std::string data = dir.file("fw.hex");
+    writeFile(data, ":040010001122334442\r\n:00000001FF\r\n");
+    doc.setProjectDataFile(data, LS_INTELHEX);
+    const std::string path = dir.file("fw.kpf2");
+    doc.SetKPFFileFlag(LS_KPF2);
+    ASSERT_TRUE(doc.OnSaveDocument(path.c_str()));
+
+    auto back = open(path);
+    EXPECT_EQ(back->projectDataFile(), data);
+    EXPECT_EQ(back->GetData(0x10), 0x01); // the project's own bytes first
+    back->InitialFileReload();
+    EXPECT_EQ(back->GetData(0x10), 0x11);
+    EXPECT_EQ(back->GetData(0x13), 0x44);
+}
+
 TEST_F(ProjectFiles, NoDeviceNoProjectAndTheOldFileStays)
 {
     KCDataDoc doc;
