@@ -2,6 +2,7 @@
 
 #include "KCCliChecksumCommand.h"
 #include "KCCliConvertCommand.h"
+#include "KCCliCrc16Command.h"
 #include "KCCliDeviceCommand.h"
 #include "KCCliDevicesCommand.h"
 #include "KCCliFillCommand.h"
@@ -18,6 +19,7 @@ std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
     commands.push_back(std::make_unique<KCCliInfoCommand>());
     commands.push_back(std::make_unique<KCCliConvertCommand>());
     commands.push_back(std::make_unique<KCCliChecksumCommand>());
+    commands.push_back(std::make_unique<KCCliCrc16Command>());
     commands.push_back(std::make_unique<KCCliFillCommand>());
     commands.push_back(std::make_unique<KCCliFindCommand>());
     commands.push_back(std::make_unique<KCCliSplitCommand>());

@@ -32,7 +32,30 @@ const char *KCCliConvertCommand::usage() const
            "  --force          convert between a JEDEC fuse map and a data format (one fuse per byte)\n"
            "IN - reads standard input, OUT - writes standard output (then --from or --to is needed).\n"
            "Writable: bin, intel, motorola, jedec. OUT is replaced only when all was written.\n"
-           "  --device NAME  load through the device's size, ranges and address offset\n";
+           "  --device NAME  load through the device's size, ranges and address offset\n"
+           "IN may be a project (.kpf2) or handler job (.handlerjob): its buffer 0 is converted.\n"
+           "OUT.kpf2 writes a project holding the image and the device given with --device.\n";
+}
+
+int KCCliConvertCommand::convertProject(KCDataDoc &doc, const std::string &in, const std::string &out,
+                                        LOADSAVE_FILETYPE projectIn, LOADSAVE_FILETYPE projectOut,
+                                        const KCFileFormatInfo *to)
+{
+    if (projectIn != LS_INVALID ? !KCCliImageLoader::loadProject(doc, in, projectIn)
+                                : !KCCliImageLoader::load(doc, in, std::string()))
+        return CLI_INPUT_ERROR;
+    if (projectOut != LS_INVALID) {
+        if (!doc.HasDeviceX()) {
+            std::fprintf(stderr, "krldv: %s: a project holds a device: give --device NAME\n", out.c_str());
+            return CLI_INPUT_ERROR;
+        }
+        doc.SetKPFFileFlag(projectOut);
+    } else {
+        // The project's buffer 0, written as an image.
+        doc.SetKPFFileFlag(0);
+        doc.mainBufferParam()->fileType = KCFormatNames::loadSaveType(to->name);
+    }
+    return doc.OnSaveDocument(out.c_str()) ? CLI_OK : CLI_INPUT_ERROR;
 }
 
 int KCCliConvertCommand::run(const std::vector<std::string> &args)
@@ -59,9 +82,12 @@ int KCCliConvertCommand::run(const std::vector<std::string> &args)
         problem = "--record-bytes takes 1..255, not " + a.value("record-bytes");
 
     const KCFileFormatInfo *to = nullptr;
-    if (problem.empty())
+    // Projects are the document's own files, not image formats: their name says what they are.
+    const LOADSAVE_FILETYPE projectIn = problem.empty() ? KCCliImageLoader::projectType(a.positional()[0]) : LS_INVALID;
+    const LOADSAVE_FILETYPE projectOut = problem.empty() ? KCCliImageLoader::projectType(a.positional()[1]) : LS_INVALID;
+    if (problem.empty() && projectOut == LS_INVALID)
         to = KCCliImageLoader::outputFormat(a.positional()[1], a.value("to"), problem);
-    if (problem.empty())
+    if (problem.empty() && projectIn == LS_INVALID)
         problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("from"));
     if (problem.empty())
         problem = KCCliDeviceOption::problem(a.value("device"));
@@ -74,6 +100,8 @@ int KCCliConvertCommand::run(const std::vector<std::string> &args)
     if (!KCCliDeviceOption::select(doc, a.value("device")))
         return CLI_INPUT_ERROR;
     const std::string &in = a.positional()[0];
+    if (projectIn != LS_INVALID || projectOut != LS_INVALID)
+        return convertProject(doc, in, a.positional()[1], projectIn, projectOut, to);
     KCCliImageLoader::Choice choice;
     if (!KCCliImageLoader::chooseFormat(in, a.value("from"), choice))
         return CLI_INPUT_ERROR;

@@ -6,6 +6,7 @@
 #include "fileio/KCFileDialogCore.h"
 #include "fileio/KCFormatNames.h"
 
+#include <cctype>
 #include <cstdio>
 #include <sys/stat.h>
 #include <vector>
@@ -103,6 +104,24 @@ bool KCCliImageLoader::chooseFormat(const std::string &path, const std::string &
         choice.how = "default";
     }
     return choice.chosen != nullptr;
+}
+
+LOADSAVE_FILETYPE KCCliImageLoader::projectType(const std::string &path)
+{
+    std::string ext = KCFileDialogCore::extensionOf(path);
+    for (char &c : ext)
+        c = char(std::tolower(static_cast<unsigned char>(c)));
+    return ext == "kpf2" ? LS_KPF2 : ext == "handlerjob" ? LS_HANDLERJOB : LS_INVALID;
+}
+
+bool KCCliImageLoader::loadProject(KCDataDoc &doc, const std::string &path, LOADSAVE_FILETYPE type)
+{
+    doc.mainBufferParam()->fileType = type;
+    doc.undoHistory().setBudget(0);
+    if (!doc.OnOpenDocument(path.c_str()))
+        return false;
+    doc.PostOpenLoadFile();
+    return doc.GetKPFFileFlag() != 0;
 }
 
 bool KCCliImageLoader::load(KCDataDoc &doc, const std::string &path, const std::string &formatName, Choice *choice)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "fileio/KCFileTypes.h"
+
 #include <string>
 
 class KCDataDoc;
@@ -23,6 +25,10 @@ public:
     static bool load(KCDataDoc &doc, const std::string &path, const std::string &formatName, Choice *choice = nullptr);
     // The list of format names for usage texts.
     static std::string formatList();
+    // LS_KPF2 or LS_HANDLERJOB for a project or handler-job file name, LS_INVALID otherwise.
+    static LOADSAVE_FILETYPE projectType(const std::string &path);
+    // Opens a project or handler job and applies it: device, buffers, settings.
+    static bool loadProject(KCDataDoc &doc, const std::string &path, LOADSAVE_FILETYPE type);
     // A usage problem with the format named for `path`, or empty: an unknown name, or no name
     // for standard input ("-"), whose content cannot be looked at first.
     static std::string formatProblem(const std::string &path, const std::string &formatName);

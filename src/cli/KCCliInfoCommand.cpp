@@ -7,6 +7,7 @@
 #include "doc/KCDataDoc.h"
 #include "KCFileFormatRegistry.h"
 #include "doc/cBufferSum.h"
+#include "fileio/cKrlCrc16.h"
 
 #include <cstdio>
 
@@ -35,6 +36,29 @@ const char *KCCliInfoCommand::usage() const
            "  --device NAME  load through the device's size, ranges and address offset\n";
 }
 
+int KCCliInfoCommand::showProject(KCDataDoc &doc, const std::string &path)
+{
+    const LOADSAVE_FILETYPE type = KCCliImageLoader::projectType(path);
+    if (!KCCliImageLoader::loadProject(doc, path, type))
+        return CLI_INPUT_ERROR;
+    std::printf("file:          %s\n", path.c_str());
+    std::printf("format:        %s\n", doc.GetKPFFileFlag() == LS_HANDLERJOB ? "handler job" : "project");
+    std::printf("device:        %s\n", doc.HasDeviceX() ? doc.GetDeviceName().c_str() : "(none)");
+    if (!doc.AlgoParam().action().empty())
+        std::printf("action:        %s\n", doc.AlgoParam().action().c_str());
+    const auto ranges = doc.dataMap().ranges();
+    uint64_t bytes = 0;
+    for (const auto &r : ranges)
+        bytes += r.second - r.first + 1;
+    std::printf("buffer 0:      %llu bytes, %zu defined ranges, %llu bytes defined\n", ull(doc.GetBufferSize()),
+                ranges.size(), ull(bytes));
+    for (size_t i = 0; i < ranges.size() && i < MaxListedRanges; ++i)
+        std::printf("  0x%08llX-0x%08llX\n", ull(ranges[i].first), ull(ranges[i].second));
+    std::printf("checksum:      0x%08lX\n", doc.ComputeCheckSum(-1));
+    std::printf("file CRC-16:   0x%04X  (%s)\n", cKrlCrc16().computeFile(path), cKrlCrc16::algorithmName());
+    return CLI_OK;
+}
+
 int KCCliInfoCommand::run(const std::vector<std::string> &args)
 {
     const KCCliArgs a(args, {"format", "device"}, {});
@@ -45,7 +69,8 @@ int KCCliInfoCommand::run(const std::vector<std::string> &args)
     std::string problem = a.error();
     if (problem.empty() && a.positional().size() != 1)
         problem = a.positional().empty() ? "no input file given" : "only one input file is taken";
-    if (problem.empty())
+    const bool project = problem.empty() && KCCliImageLoader::projectType(a.positional()[0]) != LS_INVALID;
+    if (problem.empty() && !project)
         problem = KCCliImageLoader::formatProblem(a.positional()[0], a.value("format"));
     if (problem.empty())
         problem = KCCliDeviceOption::problem(a.value("device"));
@@ -57,6 +82,8 @@ int KCCliInfoCommand::run(const std::vector<std::string> &args)
     if (!KCCliDeviceOption::select(doc, a.value("device")))
         return CLI_INPUT_ERROR;
     const std::string &path = a.positional()[0];
+    if (project)
+        return showProject(doc, path);
     KCCliImageLoader::Choice choice;
     if (!KCCliImageLoader::load(doc, path, a.value("format"), &choice))
         return CLI_INPUT_ERROR;

@@ -2,6 +2,10 @@
 
 #include "KCCliCommand.h"
 
+#include <string>
+
+class KCDataDoc;
+
 // "krldv info FILE": what a file holds, as the reader sees it.
 class KCCliInfoCommand : public KCCliCommand
 {
@@ -10,4 +14,8 @@ public:
     const char *summary() const override { return "show format, records, address ranges and sums of a file"; }
     const char *usage() const override;
     int run(const std::vector<std::string> &args) override;
+
+private:
+    // A project or handler job: its device, action, buffer 0 and the file's CRC-16.
+    int showProject(KCDataDoc &doc, const std::string &path);
 };

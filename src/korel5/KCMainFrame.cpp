@@ -1,5 +1,9 @@
 #include "KCMainFrame.h"
 
+#include "KCDeviceCountView.h"
+#include "KCProjectChecksumDlg.h"
+#include "KCSaveHandlerJobDlg.h"
+
 #include "KCDeviceMenu.h"
 
 #include "bufops/KCBufferFill.h"
@@ -32,6 +36,8 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDockWidget>
+#include <QFileDialog>
+#include <QTimer>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFile>
@@ -47,6 +53,7 @@ namespace {
 
 constexpr int DefaultWidth = 1280;
 constexpr int DefaultHeight = 800;
+constexpr int CounterRefreshMs = 1000; // the counter dock follows the host's counts
 
 std::string toPath(const QString &path)
 {
@@ -150,6 +157,17 @@ void KCMainFrame::createDocks()
     treeDock->setWidget(m_tree);
     addDockWidget(Qt::LeftDockWidgetArea, treeDock);
     resizeDocks({treeDock}, {220}, Qt::Horizontal);
+
+    // The production counter, refreshed from the host's counts.
+    auto *counter = new KCDeviceCountView(this, g_pMainProgDataExChange);
+    auto *counterDock = new QDockWidget(tr("Counter"), this);
+    counterDock->setObjectName("counterDock");
+    counterDock->setWidget(counter);
+    addDockWidget(Qt::RightDockWidgetArea, counterDock);
+    auto *counterTimer = new QTimer(counter);
+    connect(counterTimer, &QTimer::timeout, counter, &KCDeviceCountView::DrawCountInfo);
+    counterTimer->start(CounterRefreshMs);
+    counter->DrawCountInfo();
     resizeDocks({messageDock}, {150}, Qt::Vertical);
     connect(m_tree, &KCWorkspaceTree::viewItemActivated, this, [this](KCDocView *view) {
         const QList<QMdiSubWindow *> windows = m_mdi->subWindowList();
@@ -380,6 +398,25 @@ void KCMainFrame::createMenus()
     file->addAction(m_saveAction);
     file->addAction(m_saveAsAction);
     file->addAction(m_closeAction);
+    file->addSeparator();
+    // Production: a handler job with its CRC-16, and the operator's check of it.
+    file->addAction(tr("Save &Handler Job..."), this, [this] {
+        if (!m_doc)
+            return;
+        KCSaveHandlerJobDlg dialog(this, m_doc.get());
+        dialog.exec();
+    });
+    file->addAction(tr("Check Project Check&sum..."), this, [this] {
+        const QString path = QFileDialog::getOpenFileName(
+            this, tr("Check Project Checksum"), QString(),
+            tr("Korel Handler Job File (*.handlerjob);;Korel Project File 2 (*.kpf2);;All files (*)"), nullptr,
+            QFileDialog::DontUseNativeDialog);
+        if (path.isEmpty())
+            return;
+        KCProjectChecksumDlg dialog(this, path.toStdString());
+        if (dialog.exec() == QDialog::Accepted)
+            g_pMainProgDataExChange->ShowMessage("Checksum OK: " + path.toStdString());
+    });
     file->addSeparator();
     m_recentMenu = file->addMenu(tr("Recent &Files"));
     connect(m_recentMenu, &QMenu::aboutToShow, this, &KCMainFrame::updateRecentMenu);

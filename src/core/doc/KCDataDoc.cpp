@@ -1,4 +1,5 @@
 #include "doc/KCDataDoc.h"
+#include "doc/cKpf2ReadShadowData.h"
 
 #include "doc/KCDocView.h"
 #include "doc/KCSelectDeviceNoneCtrl.h"
@@ -82,6 +83,7 @@ KCDataDoc::KCDataDoc() : m_host(g_pMainProgDataExChange), m_serial(g_pMainProgDa
     m_viewItems.push_back(main);
     defineWholeBuffer();
     m_selectDeviceCtrl = std::make_unique<KCSelectDeviceNoneCtrl>(this);
+    m_kpfShadow = std::make_unique<cKpf2ReadShadowData>();
 }
 
 KCDataDoc::~KCDataDoc() = default;
@@ -104,6 +106,7 @@ bool KCDataDoc::OnNewDocument()
 
 void KCDataDoc::OnCloseDocument()
 {
+    SaveKpf2OnClose();
     KCDocBase::OnCloseDocument();
     nOpenInitLoadFileType = LS_BINARY;
     nOpenInitLoadFilterType = FILTER_ALL;

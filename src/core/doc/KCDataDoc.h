@@ -20,6 +20,7 @@
 #include <vector>
 
 class KCArchive;
+class cKpf2ReadShadowData;
 class KCSelectDeviceCtrlBase;
 class KCSerialDefCtrl;
 struct KCFileDialogRequest;
@@ -85,6 +86,22 @@ public:
     void InitialFileReload();
     bool CanReloadDoc() const;
     void PostOpenLoadFile();
+    // Writes an open project back to its file when the document closes; nonzero when
+    // written, 0 when there was nothing to write or the write failed.
+    int SaveKpf2OnClose();
+    // What the last project file read holds until PostOpenLoadFile applies it.
+    cKpf2ReadShadowData &kpfShadowData() { return *m_kpfShadow; }
+    // The data file a project loads when it is opened; empty when it names none.
+    const std::string &projectDataFile() const { return m_projectDataFile; }
+    LOADSAVE_FILETYPE projectDataFileType() const { return m_projectDataFileType; }
+    void setProjectDataFile(const std::string &path, LOADSAVE_FILETYPE type)
+    {
+        m_projectDataFile = path;
+        m_projectDataFileType = type;
+    }
+    // Production counts, kept by the host: one more device passed or failed.
+    void SuccessCountIncrement();
+    void FailCountIncrement();
     void SetStandardAutoAction();
 
     // Serial numbers of a production run; the state and its rules are KCSerialState's.
@@ -287,6 +304,9 @@ private:
     uint32_t rangeSum(int kind, uint64_t first, uint64_t last) const;
 
     KCUndoHistory m_undo;
+    std::unique_ptr<cKpf2ReadShadowData> m_kpfShadow;
+    std::string m_projectDataFile;
+    LOADSAVE_FILETYPE m_projectDataFileType = LS_BINARY;
 
     void noteWritten(uint64_t first, uint64_t last);
 

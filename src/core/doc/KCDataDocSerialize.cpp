@@ -17,6 +17,8 @@
 #include "fileio/KCSaveFile.h"
 #include "host/KCMessageMarks.h"
 #include "doc/KCUiAdrDataManager.h"
+#include "doc/cKpf2Manager.h"
+#include "doc/cKpf2ReadShadowData.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -105,10 +107,23 @@ void KCDataDoc::ReadSTPFile(KCArchive &ar) { readWithFormat(ar, LS_STAPL); }
 
 void KCDataDoc::ReadKpfFile(KCArchive &ar)
 {
-    // Project files are read by the project-file manager, which this build does not have.
     m_loadOk = 0;
-    m_host->ShowMessage("\xA7" "EWFailed to read file: " + ar.GetFilePath()
-                        + " : project files cannot be read by this version");
+    const std::string &path = ar.GetFilePath();
+    cKpf2Manager manager(*this, path);
+    // The archive holds the whole file already; the manager parses it from there.
+    const KCInputFile &in = ar.input();
+    std::string error;
+    cKpf2ReadShadowData shadow;
+    if (!cKpf2Manager::parse(std::string(reinterpret_cast<const char *>(in.data), in.size), path, shadow, error)) {
+        m_host->ShowMessage("\xA7" "EWFailed to read file: " + path);
+        m_host->ShowMessage(mark(KCMessageMarks::Error) + error);
+        return;
+    }
+    *m_kpfShadow = std::move(shadow);
+    m_host->ShowMessage("Reading " + path + " OK");
+    // The document is a project from now on: saving writes the project again.
+    m_projectFlag = m_kpfShadow->kind;
+    m_loadOk = 1;
 }
 
 void KCDataDoc::saveRange(uint64_t &first, uint64_t &count) const
@@ -151,16 +166,60 @@ void KCDataDoc::WriteKpfFile(KCArchive &ar)
     const std::string &path = ar.GetFilePath();
     if (path.empty())
         return;
+    // The save step's temporary file and rename keep the old file until this one is whole.
+    m_loadOk = 0;
+    const TAG_BUFFER_PARAM *param = mainBufferParam();
+    const bool job = m_projectFlag == LS_HANDLERJOB || (m_projectFlag == 0 && param->fileType == LS_HANDLERJOB);
+    const std::string text = cKpf2Manager(*this, path).text(m_kpfShadow->optionBox,
+                                                             job ? cKpf2Manager::WRITE_HANDLERJOB
+                                                                 : cKpf2Manager::WRITE_PROJECT);
+    if (!ar.output().write(text.data(), text.size())) {
+        m_host->ShowMessage("\xA7" "WFailed to write file: " + path);
+        return;
+    }
     ar.setWritten();
-    WriteKpf2File(path);
+    m_loadOk = 1;
 }
 
 int KCDataDoc::WriteKpf2File(const std::string &path)
 {
     m_loadOk = 0;
-    m_host->ShowMessage("\xA7" "WFailed to write file: " + path
-                        + " : project files cannot be written by this version");
-    return 0;
+    cKpf2Manager manager(*this, path);
+    if (!manager.write(0, 0)) {
+        m_host->ShowMessage("\xA7" "WFailed to write file: " + path);
+        if (!manager.error().empty())
+            m_host->ShowMessage(mark(KCMessageMarks::Error) + manager.error());
+        return 0;
+    }
+    m_host->ShowMessage("Writing " + path + " OK.");
+    m_loadOk = 1;
+    return 1;
+}
+
+int KCDataDoc::SaveKpf2OnClose()
+{
+    // An open project is written back so that its production counts survive a restart;
+    // only when the counts moved and nothing else is unsaved (changes the user declined to
+    // save stay unsaved). A handler job is never rewritten: its released CRC would change.
+    // The project's own path is the framework's: the document's own path names data files.
+    if (m_projectFlag != LS_KPF2 || GetPathName().empty() || !HasDeviceX() || IsModified())
+        return 0;
+    const cKpf2ReadShadowData &read = *m_kpfShadow;
+    if (m_host->GetPassCount() == read.passCount && m_host->GetFailCount() == read.failCount)
+        return 0;
+    return WriteKpf2File(GetPathName());
+}
+
+void KCDataDoc::SuccessCountIncrement()
+{
+    const int pass = m_host->GetPassCount();
+    m_host->SetCounts(pass < 0 ? 1 : pass + 1, m_host->GetFailCount() < 0 ? 0 : m_host->GetFailCount());
+}
+
+void KCDataDoc::FailCountIncrement()
+{
+    const int fail = m_host->GetFailCount();
+    m_host->SetCounts(m_host->GetPassCount() < 0 ? 0 : m_host->GetPassCount(), fail < 0 ? 1 : fail + 1);
 }
 
 void KCDataDoc::SetFileInfo(const std::string &path, int)
@@ -336,12 +395,93 @@ void KCDataDoc::OnFileReLoad()
 
 void KCDataDoc::InitialFileReload()
 {
-    // A project names the data file to load; project files are not read by this version.
+    if (m_projectDataFile.empty())
+        return;
+    const KCFileTypeRow *row = KCFileTypeTable::row(m_projectDataFileType);
+    KCMappedFile file;
+    if (!row || !row->formatName || !file.open(m_projectDataFile, true, KCMappedFile::DefaultStreamLimit)) {
+        m_host->ShowMessage("\xA7" "EWFailed to read file: " + m_projectDataFile
+                            + (row && row->formatName ? " : " + file.errorText() : std::string()));
+        return;
+    }
+    KCArchive ar(m_projectDataFile, file.input());
+    readWithFormat(ar, m_projectDataFileType);
+    ComputeCheckSum(-1);
+    UpdateAllViews(nullptr, DOCHINT_ALL);
 }
 
 void KCDataDoc::PostOpenLoadFile()
 {
-    // Project data read with a project file would be applied here; there are none yet.
+    cKpf2ReadShadowData &shadow = *m_kpfShadow;
+    if (!shadow.loaded || m_projectFlag == 0)
+        return;
+    shadow.loaded = false;
+    bool ok = true;
+    if (shadow.device) {
+        ok = selectDevice(*shadow.device) != 0;
+        if (ok)
+            m_algoParam->algoUiData() = shadow.record; // with the option pages' edits
+    } else if (HasDeviceX()) {
+        deselectDeviceItem();
+    }
+    // Buffers beyond the device's own are added as the project has them.
+    for (size_t b = 0; ok && b < shadow.buffers.size(); ++b) {
+        const cKpf2ReadShadowData::Buffer &from = shadow.buffers[b];
+        if (b >= m_algoParam->bufferCount() && !m_algoParam->addBuffer(from.size, from.fill)) {
+            ok = false;
+            break;
+        }
+        cByteBuffer &buffer = m_algoParam->buffer(b);
+        if (!buffer.resize(from.size, from.fill)) {
+            ok = false;
+            break;
+        }
+        buffer.Fill(0, from.size, from.fill);
+        for (const auto &range : from.ranges)
+            std::copy(range.second.begin(), range.second.end(), buffer.data() + range.first);
+        if (b == 0) {
+            m_dataMap.clear();
+            for (const auto &range : from.ranges)
+                m_dataMap.add(range.first, range.first + range.second.size() - 1);
+        }
+    }
+    if (!ok) {
+        m_host->ShowMessage("Failed to set the project data to the Document.");
+        return;
+    }
+    m_sparse = false;
+    m_gapsUnfilled = false;
+    m_loadBase = 0;
+    m_changedMap.clear();
+    m_undo.clear();
+    TAG_BUFFER_PARAM *param = mainBufferParam();
+    const TAG_BUFFER_PARAM &p = shadow.bufferParam;
+    param->LBSA = p.LBSA;
+    param->LBEA = p.LBEA;
+    param->SBSA = p.SBSA;
+    param->SBEA = p.SBEA;
+    param->loadRangeFromDevice = p.loadRangeFromDevice;
+    param->saveRangeFromDevice = p.saveRangeFromDevice;
+    param->optionFlags = p.optionFlags;
+    param->saveFlags = p.saveFlags;
+    // The buffer keeps the project's own type, so that saving writes the project again.
+    m_saveRange = shadow.saveRange ? std::optional<KCAddressRange>(KCAddressRange{shadow.saveRange->first,
+                                                                                  shadow.saveRange->second})
+                                   : std::nullopt;
+    m_projectDataFile = shadow.dataFile;
+    m_projectDataFileType = shadow.dataFileType;
+    m_serial.setMode(shadow.serialMode);
+    m_serial.setFlags(shadow.serialFlags);
+    m_serial.setByteCount(shadow.serialByteCount);
+    m_serial.setAddress(shadow.serialAddress);
+    m_serial.setDefPath(shadow.serialDefPath);
+    m_host->SetCounts(shadow.passCount, shadow.failCount);
+    m_host->SetTargetCount(shadow.targetCount);
+    m_algoParam->setAction(shadow.action);
+    ComputeCheckSum(-1);
+    SetModifiedFlag(0);
+    UpdateAllViews(nullptr, DOCHINT_ALL);
+    m_host->ShowMessage("Project Data setting up successful.");
 }
 
 void KCDataDoc::OnFileOpen(KCMainProgDataExChange *host)

@@ -41,6 +41,9 @@ public:
     void clearDevice(const std::string &noDeviceName);
 
     TAG_UI_ALGODATA_KRL3 &algoUiData() { return m_algoUiData; }
+    // The device action a handler job fixes ("Program", "Verify", ...); empty when none is.
+    const std::string &action() const { return m_action; }
+    void setAction(const std::string &action) { m_action = action; }
     const TAG_UI_ALGODATA_KRL3 &algoUiData() const { return m_algoUiData; }
 
 private:
@@ -53,4 +56,5 @@ private:
     std::string m_deviceName;
     uint32_t m_deviceType = 0;
     TAG_UI_ALGODATA_KRL3 m_algoUiData{};
+    std::string m_action;
 };

@@ -1,6 +1,8 @@
 list(APPEND KRLDV_CORE_SOURCES
   doc/KCAlgoKeys.cpp
   doc/KCDataDoc.cpp
+  doc/cKpf2Manager.cpp
+  doc/cHandlerJobSave.cpp
   doc/KCDataDocDevice.cpp
   doc/KCSelectDeviceCtrlBase.cpp
   doc/KCSelectDevice0x1Ctrl.cpp

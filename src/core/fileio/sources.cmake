@@ -5,4 +5,5 @@ list(APPEND KRLDV_CORE_SOURCES
   fileio/KCFormatNames.cpp
   fileio/KCHostFileMessage.cpp
   fileio/KCSaveFile.cpp
+  fileio/cKrlCrc16.cpp
 )

@@ -63,6 +63,14 @@ constexpr unsigned OptionPageSyncLink = 0xE105;
 constexpr unsigned OptionPageAlgorithm = 0xE106;
 constexpr unsigned OptionPageIspAdapter = 0xE107;
 constexpr unsigned OptionValueInvalid = 0xE108; // the value
+constexpr unsigned CountPassLabel = 2068;       // no arguments
+constexpr unsigned CountFailLabel = 2069;       // no arguments
+constexpr unsigned CountTotalLabel = 2070;      // no arguments
+constexpr unsigned CountYieldLabel = 2071;      // no arguments
+constexpr unsigned CountTarget = 2072;          // target, devices left
+constexpr unsigned CountRate = 2073;            // devices per hour
+constexpr unsigned CountResetLog = 2074;        // time, pass count, fail count
+constexpr unsigned CountResetPrompt = 2075;     // no arguments
 
 struct Entry
 {
@@ -130,6 +138,14 @@ constexpr Entry All[] = {
     {OptionPageAlgorithm, 0},
     {OptionPageIspAdapter, 0},
     {OptionValueInvalid, 1},
+    {CountPassLabel, 0},
+    {CountFailLabel, 0},
+    {CountTotalLabel, 0},
+    {CountYieldLabel, 0},
+    {CountTarget, 2},
+    {CountRate, 1},
+    {CountResetLog, 3},
+    {CountResetPrompt, 0},
 };
 
 } // namespace KCHostStrings

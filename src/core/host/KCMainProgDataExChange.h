@@ -121,6 +121,24 @@ public:
     virtual int GetDeviceConfigMode() const { return 0; }
     // Set while the host builds the workspace tabs itself: selection then leaves them alone.
     virtual bool IsDeviceTabStepSkipped() const { return false; }
+
+    // Production counts of the current job; -1 while none is known. Kept here because the
+    // host owns the run; projects store and restore them.
+    virtual int GetPassCount() const { return m_passCount; }
+    virtual int GetFailCount() const { return m_failCount; }
+    virtual void SetCounts(int pass, int fail)
+    {
+        m_passCount = pass;
+        m_failCount = fail;
+    }
+    // Devices the job is to make; 0 when no target is set.
+    virtual int GetTargetCount() const { return m_targetCount; }
+    virtual void SetTargetCount(int target) { m_targetCount = target; }
+
+private:
+    int m_passCount = -1;
+    int m_failCount = -1;
+    int m_targetCount = 0;
 };
 
 // The host's data-exchange object; set by the host before it creates any document.

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+class KCDataDoc;
+class cKpf2ReadShadowData;
+
+// Reads and writes whole projects ("kpf2") and handler jobs: every buffer with its defined
+// ranges and bytes, the device and its whole parameter record, the load/save settings, the
+// serial-number settings, the production counts and, for a handler job, the fixed action.
+// The file is versioned JSON text, so a person can read and diff it; bytes are hexadecimal,
+// 32 to a line. Reading is strict: anything unknown, missing or inconsistent is refused with
+// the file and line, and the document is not touched until PostOpenLoadFile applies it.
+class cKpf2Manager
+{
+public:
+    static constexpr int FormatVersion = 1;
+    static const char *formatName();
+    // What write's flag asks for.
+    enum : int { WRITE_PROJECT = 0, WRITE_HANDLERJOB = 1 };
+
+    cKpf2Manager(KCDataDoc &doc, const std::string &path);
+
+    // Reads the file into `shadow`; nonzero on success, otherwise error() says why.
+    int read(cKpf2ReadShadowData &shadow);
+    // Writes the document's project to the path through a temporary file and a rename;
+    // `option` is the handler job's option box, `flag` 1 writes a handler job. Nonzero on
+    // success; on failure the earlier file is as it was.
+    int write(int option, int flag);
+
+    // The file's text as write would store it.
+    std::string text(int option, int flag) const;
+    // Reads project text; `name` is used in messages. Nonzero on success.
+    static int parse(const std::string &text, const std::string &name, cKpf2ReadShadowData &shadow, std::string &error);
+
+    const std::string &error() const { return m_error; }
+
+private:
+    KCDataDoc &m_doc;
+    std::string m_path;
+    std::string m_error;
+};

@@ -1,0 +1,3 @@
+list(APPEND KRLDV_CORE_SOURCES
+  panels/KCDeviceCountModel.cpp
+)

@@ -1,0 +1,3 @@
+list(APPEND KRLDV_CORE_TEST_SOURCES
+  core/panels/KCDeviceCountModelTest.cpp
+)

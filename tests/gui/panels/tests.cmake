@@ -1,0 +1,1 @@
+list(APPEND KRLDV_GUI_TEST_SOURCES panels/KCDeviceCountViewTest.cpp)
