@@ -66,7 +66,10 @@ char *KCHexRecordPlan::encodeRecords(const Piece &p, const uint8_t *data, char *
     uint64_t address = p.address;
     for (uint64_t left = p.bytes; left;) {
         const unsigned n = unsigned(std::min<uint64_t>(left, p.perRecord));
-        std::memcpy(out, mark, markLength);
+        // One or two characters: a call to memcpy would cost more than the record's data.
+        out[0] = mark[0];
+        if (markLength > 1)
+            out[1] = mark[1];
         out += markLength;
         const unsigned count = n + m_shape.countExtra;
         KCHexRecordWriter::encodeByte(uint8_t(count), out);
