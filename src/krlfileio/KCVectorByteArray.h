@@ -3,6 +3,7 @@
 #include "KCByteArray.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <new>
 #include <vector>
 #ifdef __linux__
@@ -40,7 +41,8 @@ public:
 
 private:
     // Large images are filled page by page right after they grow; huge pages make that
-    // one fault per 2 MiB instead of one per 4 KiB.
+    // one fault per 2 MiB instead of one per 4 KiB. KRLDV_NO_HUGEPAGES turns them off, as
+    // for the document buffers.
     static constexpr uint64_t kHugePage = uint64_t(2) << 20;
     static constexpr uint64_t kHugePageWorthwhile = 4 * kHugePage;
 
@@ -49,7 +51,7 @@ private:
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
         const uintptr_t begin = (reinterpret_cast<uintptr_t>(m_bytes.data()) + kHugePage - 1) & ~uintptr_t(kHugePage - 1);
         const uintptr_t end = (reinterpret_cast<uintptr_t>(m_bytes.data()) + m_bytes.capacity()) & ~uintptr_t(kHugePage - 1);
-        if (end > begin)
+        if (end > begin && !std::getenv("KRLDV_NO_HUGEPAGES"))
             ::madvise(reinterpret_cast<void *>(begin), end - begin, MADV_HUGEPAGE); // only advice: failure is harmless
 #endif
     }
