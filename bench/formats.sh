@@ -84,10 +84,13 @@ row() {
     rm -f lib."$output" cli."$output" ref."$output" srec."$output" obj."$output"
 }
 
+# KRLDV_BENCH_ROWS=writers times only the writers.
+if [ "${KRLDV_BENCH_ROWS:-all}" != writers ]; then
 row "Intel HEX/16 -> bin" intel bin img16.hex bin -intel -binary ihex binary ""
 row "Intel HEX/32 -> bin" intel bin img32.hex bin -intel -binary ihex binary ""
 row "S-record S3 -> bin" motorola bin img.s37 bin -motorola -binary srec binary ""
 row "TI-TXT -> bin" ti bin img.ti.txt bin -ti-txt -binary - - ""
+fi
 # The writers: every tool once per round, rounds interleaved so a noisy machine hits all
 # of them alike; best of the rounds. `cat` copying the produced file is the floor.
 msNow() { date +%s%N; }
@@ -99,7 +102,7 @@ timed() {
     echo $(((t1 - t0) / 1000000))
 }
 minMs() {
-    if [ "$1" = - ] || [ -z "$1" ]; then echo "$2"; elif [ "$2" = - ] || [ "$2" -lt "$1" ]; then echo "$1"; else echo "$2"; fi
+    if [ "$1" = - ] || [ -z "$1" ]; then echo "$2"; elif [ "$2" = - ] || [ "$1" -le "$2" ]; then echo "$1"; else echo "$2"; fi
 }
 seconds() { if [ "$1" = - ]; then echo -; else awk -v ms="$1" 'BEGIN { printf "%.3f", ms / 1000 }'; fi; }
 
@@ -108,7 +111,9 @@ writerRow() {
     bLib= bCli=- bSrec= bObj=- bCat=
     i=0
     while [ "$i" -lt "$runs" ]; do
-        bLib=$(minMs "$bLib" "$(timed "'$lib' img.bin lib.$output --from bin --to $to $extra" lib."$output")")
+        tRun=$(timed "'$lib' img.bin lib.$output --from bin --to $to $extra" lib."$output")
+        [ -z "${KRLDV_BENCH_VERBOSE:-}" ] || echo "  round $i: library $tRun ms" >&2
+        bLib=$(minMs "$bLib" "$tRun")
         [ "$cliWorks" = yes ] &&
             bCli=$(minMs "$bCli" "$(timed "'$cli' convert img.bin cli.$output --from bin --to $to $extra" cli."$output")")
         have objcopy && bObj=$(minMs "$bObj" "$(timed "objcopy -I binary -O $objOut img.bin obj.$output" obj."$output")")
