@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cstring>
 #include <memory>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -153,9 +154,15 @@ bool KCHexRecordPlan::writeParallel(KCOutputStream &out, const uint8_t *data) co
             return true;
         });
     };
-    std::thread second(part, middle, m_pieces.size());
+    std::thread second;
+    try {
+        second = std::thread(part, middle, m_pieces.size());
+    } catch (const std::system_error &) {
+        part(middle, m_pieces.size()); // no thread to be had: this one does both halves
+    }
     part(0, middle);
-    second.join();
+    if (second.joinable())
+        second.join();
     return out.endBlock() && ok;
 }
 
