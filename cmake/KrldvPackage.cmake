@@ -1,7 +1,12 @@
 # Install layout and the Debian package (`make package`).
 # Installed programs find their data in ../share/krldv beside bin/ and korel5 finds libkrldv
 # through a RUNPATH relative to itself, so an unpacked package works from any folder.
-set(KRLDV_PRIVATE_LIB_DIR lib/krldv)
+# libkrldv is private to korel5: in the multiarch folder's krldv/, where ldconfig never looks.
+if(CMAKE_LIBRARY_ARCHITECTURE)
+  set(KRLDV_PRIVATE_LIB_DIR lib/${CMAKE_LIBRARY_ARCHITECTURE}/krldv)
+else()
+  set(KRLDV_PRIVATE_LIB_DIR lib/krldv)
+endif()
 set(KRLDV_SHARE_DIR share/krldv)
 set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)

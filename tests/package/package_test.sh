@@ -10,11 +10,13 @@ trap 'rm -rf "$work"' EXIT
 fail() { echo "package_test: $*" >&2; exit 1; }
 
 (cd "$build" && cpack -G DEB -B "$work/out" >"$work/cpack.log" 2>&1) || { cat "$work/cpack.log"; fail "cpack failed"; }
-deb=$work/out/krldv_${version}_amd64.deb
+arch=$(dpkg --print-architecture)
+multiarch=$(dpkg-architecture -qDEB_HOST_MULTIARCH 2>/dev/null || gcc -print-multiarch)
+deb=$work/out/krldv_${version}_${arch}.deb
 [ -f "$deb" ] || fail "no $deb (made: $(ls "$work/out"))"
 
 dpkg-deb -c "$deb" | awk '{ print $6 }' | sed 's|^\./|/|' >"$work/contents"
-for path in /usr/bin/krldv /usr/bin/korel5 /usr/lib/krldv/libkrldv.so \
+for path in /usr/bin/krldv /usr/bin/korel5 "/usr/lib/$multiarch/krldv/libkrldv.so" \
     /usr/share/krldv/host-strings.txt /usr/share/krldv/devices/flash-spi.json \
     /usr/share/krldv/option-pages/device-options.json /usr/share/krldv/demo/demo.bin \
     /usr/share/applications/korel5.desktop /usr/share/icons/hicolor/scalable/apps/korel5.svg \
