@@ -53,6 +53,10 @@ cmp demo.bin back.bin
 "$root/usr/bin/krldv" devices | grep -q AT24C02
 "$root/usr/bin/korel5" --screenshot shot.png demo.hex
 [ -s shot.png ]
+# The completion offers the commands and the formats krldv itself lists.
+PATH="$root/usr/bin:\$PATH" bash -c '. "$root/usr/share/bash-completion/completions/krldv"
+    COMP_WORDS=(krldv con); COMP_CWORD=1; _krldv; [ "\${COMPREPLY[*]}" = convert ]
+    COMP_WORDS=(krldv convert a.hex --to mot); COMP_CWORD=4; _krldv; [ "\${COMPREPLY[*]}" = motorola ]'
 RUN
 # Hide the trees behind empty folders when this user may; otherwise run as it is.
 if unshare -m -r true 2>/dev/null || { [ "$(id -u)" = 0 ] && unshare -m true 2>/dev/null; }; then
