@@ -3,7 +3,7 @@ BUILD      ?= build
 JOBS       ?= $(shell nproc)
 CMAKE_ARGS ?= -DCMAKE_BUILD_TYPE=RelWithDebInfo
 
-.PHONY: all deps configure build test run bench clean
+.PHONY: all deps configure build test run bench package clean
 
 all: build
 
@@ -20,6 +20,10 @@ build: configure
 
 test: build
 	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+# The Debian package krldv_<version>_amd64.deb, in $(BUILD).
+package: build
+	@cd $(BUILD) && cpack -G DEB >/dev/null && ls krldv_*.deb
 
 run: build
 	@scripts/run-main $(BUILD)

@@ -63,7 +63,8 @@ if [ -x "$cli" ] && "$cli" convert img16.hex cli-probe.bin --from intel --to bin
 fi
 rm -f cli-probe.bin
 
-printf '%s MiB image, best of %s runs (srec_cat and objcopy: 1 run)\n\n' "$size_mib" "$runs"
+printf '%s MiB image, best of %s runs (srec_cat: %s; objcopy: 1 when reading hex, every round when writing)\n' "$size_mib" "$runs" "${KRLDV_BENCH_PEER_RUNS:-1}"
+printf 'writers: rounds interleaved; the ref.c column shows cat copying the produced file, the floor\n\n'
 printf '%-22s %8s %8s %8s %8s %8s %10s %10s\n' conversion library cli ref.c srec_cat objcopy srec/lib objcopy/lib
 
 row() {
@@ -83,10 +84,54 @@ row() {
     rm -f lib."$output" cli."$output" ref."$output" srec."$output" obj."$output"
 }
 
+# KRLDV_BENCH_ROWS=writers times only the writers.
+if [ "${KRLDV_BENCH_ROWS:-all}" != writers ]; then
 row "Intel HEX/16 -> bin" intel bin img16.hex bin -intel -binary ihex binary ""
 row "Intel HEX/32 -> bin" intel bin img32.hex bin -intel -binary ihex binary ""
 row "S-record S3 -> bin" motorola bin img.s37 bin -motorola -binary srec binary ""
 row "TI-TXT -> bin" ti bin img.ti.txt bin -ti-txt -binary - - ""
+fi
+# The writers: every tool once per round, rounds interleaved so a noisy machine hits all
+# of them alike; best of the rounds. `cat` copying the produced file is the floor.
+msNow() { date +%s%N; }
+timed() {
+    rm -f "$2"
+    t0=$(msNow)
+    sh -c "$1" >/dev/null 2>&1 || { echo -; return; }
+    t1=$(msNow)
+    echo $(((t1 - t0) / 1000000))
+}
+minMs() {
+    if [ "$1" = - ] || [ -z "$1" ]; then echo "$2"; elif [ "$2" = - ] || [ "$1" -le "$2" ]; then echo "$1"; else echo "$2"; fi
+}
+seconds() { if [ "$1" = - ]; then echo -; else awk -v ms="$1" 'BEGIN { printf "%.3f", ms / 1000 }'; fi; }
+
+writerRow() {
+    name=$1 to=$2 output=$3 srecOut=$4 objOut=$5 extra=$6
+    bLib= bCli=- bSrec= bObj=- bCat=
+    i=0
+    while [ "$i" -lt "$runs" ]; do
+        tRun=$(timed "'$lib' img.bin lib.$output --from bin --to $to $extra" lib."$output")
+        [ -z "${KRLDV_BENCH_VERBOSE:-}" ] || echo "  round $i: library $tRun ms" >&2
+        bLib=$(minMs "$bLib" "$tRun")
+        [ "$cliWorks" = yes ] &&
+            bCli=$(minMs "$bCli" "$(timed "'$cli' convert img.bin cli.$output --from bin --to $to $extra" cli."$output")")
+        have objcopy && bObj=$(minMs "$bObj" "$(timed "objcopy -I binary -O $objOut img.bin obj.$output" obj."$output")")
+        [ "$i" -lt "$peerRuns" ] &&
+            bSrec=$(minMs "$bSrec" "$(timed "srec_cat img.bin -binary -o srec.$output $srecOut" srec."$output")")
+        bCat=$(minMs "$bCat" "$(timed "cat lib.$output >cat.$output" cat."$output")")
+        i=$((i + 1))
+    done
+    tLib=$(seconds "$bLib") tCli=$(seconds "$bCli") tSrec=$(seconds "$bSrec") tObj=$(seconds "$bObj") tCat=$(seconds "$bCat")
+    note=
+    [ "$tCli" = - ] || cmp -s lib."$output" cli."$output" || note=" (cli output differs!)"
+    printf '%-22s %8s %8s %8s %8s %8s %10s %10s%s
+' "$name" "$tLib" "$tCli" "cat $tCat" "$tSrec" "$tObj" \
+        "$(ratio "$tSrec" "$tLib")" "$(ratio "$tObj" "$tLib")" "$note"
+    rm -f lib."$output" cli."$output" srec."$output" obj."$output" cat."$output"
+}
+
+peerRuns=${KRLDV_BENCH_PEER_RUNS:-1}
 # srec_cat writes 32 data bytes per record unless told; give it krldv's 16.
-row "bin -> Intel HEX" bin intel img.bin hex -binary "-intel -Output_Block_Size 16" binary ihex ""
-row "bin -> S-record" bin motorola img.bin srec -binary "-motorola -Output_Block_Size 16" binary srec ""
+writerRow "bin -> Intel HEX" intel hex "-intel -Output_Block_Size 16" ihex ""
+writerRow "bin -> S-record" motorola srec "-motorola -Output_Block_Size 16" srec ""

@@ -84,12 +84,15 @@ int main(int argc, char **argv)
     if (in.empty() || out.empty())
         return usage();
 
+    const KCFileFormatInfo *reader = !from.empty() ? KCFileFormatRegistry::byName(from) : byPath(in);
+    // As the documents do: a raw image is read from the descriptor straight into the
+    // image, so its mapping need not be faulted in first.
+    const bool raw = reader && reader == KCFileFormatRegistry::byName("bin");
     KCMappedFile file;
-    if (!file.open(in)) {
+    if (!file.open(in, !raw)) {
         std::fprintf(stderr, "%s\n", file.errorText().c_str());
         return 1;
     }
-    const KCFileFormatInfo *reader = !from.empty() ? KCFileFormatRegistry::byName(from) : byPath(in);
     if (!reader)
         reader = KCFileFormatRegistry::detect(file.data(), file.size());
     const KCFileFormatInfo *writer = !to.empty() ? KCFileFormatRegistry::byName(to) : byPath(out);

@@ -91,6 +91,14 @@ class KCOutputStream
 public:
     virtual ~KCOutputStream() = default;
     virtual bool write(const void *data, size_t size) = 0;
+
+    // Block writes let a writer that knows its output length fill it from several threads
+    // in any order. beginBlock(length) is false when the stream cannot (a pipe, a string):
+    // the writer then writes in order. Otherwise writeAt(offset, ...) may be called from
+    // any thread for offsets inside the block, and endBlock() continues after it.
+    virtual bool beginBlock(uint64_t) { return false; }
+    virtual bool writeAt(uint64_t, const void *, size_t) { return false; }
+    virtual bool endBlock() { return false; }
 };
 
 // One programmer file format. Messages go to the sink given at construction; every

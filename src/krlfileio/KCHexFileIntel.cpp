@@ -1,5 +1,6 @@
 #include "KCHexFileIntel.h"
 
+#include "KCHexRecordPlan.h"
 #include "KCHexRecordWriter.h"
 #include "KCLoadTarget.h"
 #include "KCTextScanner.h"
@@ -172,7 +173,13 @@ bool KCHexFileIntel::Save(KCOutputStream &out, const std::string &fileName, cons
         return false;
     }
 
-    KCHexRecordWriter w(out, options.crlf);
+    // The fixed records go into the plan through w; the data records are laid out in it.
+    KCHexRecordPlan::Shape shape;
+    shape.mark = ":";
+    shape.typeByte = true;
+    shape.crlf = options.crlf;
+    KCHexRecordPlan plan(shape);
+    KCHexRecordWriter w(plan, options.crlf);
     auto shortRecord = [&w](uint8_t type, const uint8_t *bytes, unsigned n) {
         w.reserveRecord();
         w.put(':');
@@ -189,23 +196,16 @@ bool KCHexFileIntel::Save(KCOutputStream &out, const std::string &fileName, cons
         uint64_t pos = run.first;
         const uint64_t end = run.second + 1;
         uint64_t address = options.startAddress + pos;
-        while (pos < end && !w.failed()) {
+        while (pos < end) {
             if ((address >> 16) != upper) {
                 upper = address >> 16;
                 const uint8_t ulba[2] = {uint8_t(upper >> 8), uint8_t(upper)};
                 shortRecord(ExtendedLinear, ulba, 2);
             }
-            const unsigned n = unsigned(std::min<uint64_t>({perRecord, end - pos, kSegmentSize - (address & 0xFFFF)}));
-            w.reserveRecord();
-            w.put(':');
-            w.hexByte(uint8_t(n));
-            w.hexByte(uint8_t(address >> 8));
-            w.hexByte(uint8_t(address));
-            w.hexByte(Data);
-            const unsigned sum =
-                n + unsigned((address >> 8) & 0xFF) + unsigned(address & 0xFF) + w.hexBytes(data + pos, n);
-            w.hexByte(uint8_t(0x100 - (sum & 0xFF)));
-            w.lineEnd();
+            // Records never cross a 64 KiB boundary: the next one needs a new upper address.
+            const uint64_t n = std::min<uint64_t>(end - pos, kSegmentSize - (address & 0xFFFF));
+            w.flush();
+            plan.addRecords(pos, address & 0xFFFF, n, perRecord);
             pos += n;
             address += n;
         }
@@ -216,7 +216,8 @@ bool KCHexFileIntel::Save(KCOutputStream &out, const std::string &fileName, cons
         shortRecord(StartLinear, eip, 4);
     }
     shortRecord(EndOfFile, nullptr, 0);
-    if (!w.flush()) {
+    w.flush();
+    if (!plan.writeTo(out, data)) {
         m_sink.message(KCFileMessage::Error, fileName, 0, "cannot write the file");
         return false;
     }

@@ -1,5 +1,6 @@
 #include "KCHexFileMotorola.h"
 
+#include "KCHexRecordPlan.h"
 #include "KCHexRecordWriter.h"
 #include "KCLoadTarget.h"
 #include "KCTextScanner.h"
@@ -172,7 +173,15 @@ bool KCHexFileMotorola::Save(KCOutputStream &out, const std::string &fileName, c
         return false;
     }
 
-    KCHexRecordWriter w(out, options.crlf);
+    // The fixed records go into the plan through w; the data records are laid out in it.
+    KCHexRecordPlan::Shape shape;
+    shape.mark = std::string("S") + char('0' + type);
+    shape.countExtra = width + 1;
+    shape.addressBytes = width;
+    shape.checksumBias = 1;
+    shape.crlf = options.crlf;
+    KCHexRecordPlan plan(shape);
+    KCHexRecordWriter w(plan, options.crlf);
     auto record = [&w](unsigned t, unsigned addressBytes, uint64_t address, const uint8_t *bytes, unsigned n) {
         w.reserveRecord();
         w.put('S');
@@ -205,18 +214,18 @@ bool KCHexFileMotorola::Save(KCOutputStream &out, const std::string &fileName, c
 
     uint64_t records = 0;
     for (const auto &run : runs) {
-        for (uint64_t pos = run.first; pos <= run.second && !w.failed(); ++records) {
-            const unsigned n = unsigned(std::min<uint64_t>(perRecord, run.second + 1 - pos));
-            record(type, width, options.startAddress + pos, data + pos, n);
-            pos += n;
-        }
+        const uint64_t n = run.second + 1 - run.first;
+        w.flush();
+        plan.addRecords(run.first, options.startAddress + run.first, n, perRecord);
+        records += (n + perRecord - 1) / perRecord;
     }
     if (records <= kMaxS5Count)
         record(5, 2, records, nullptr, 0);
     else if (records <= kMaxS6Count)
         record(6, 3, records, nullptr, 0);
     record(10 - type, width, options.hasEntryPoint ? options.entryPoint : 0, nullptr, 0);
-    if (!w.flush()) {
+    w.flush();
+    if (!plan.writeTo(out, data)) {
         m_sink.message(KCFileMessage::Error, fileName, 0, "cannot write the file");
         return false;
     }

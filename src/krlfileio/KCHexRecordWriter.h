@@ -37,19 +37,8 @@ public:
     // Writes the bytes in hex and returns their sum.
     unsigned hexBytes(const uint8_t *data, size_t n)
     {
-        unsigned sum = 0;
-        char *p = m_p;
-        size_t i = 0;
-#ifdef __SSE2__
-        for (; i + 16 <= n; i += 16, p += 32)
-            sum += encode16(data + i, p);
-#endif
-        for (; i < n; ++i, p += 2) {
-            p[0] = s_pairs[data[i]][0];
-            p[1] = s_pairs[data[i]][1];
-            sum += data[i];
-        }
-        m_p = p;
+        const unsigned sum = encodeHex(data, n, m_p);
+        m_p += 2 * n;
         return sum;
     }
     void lineEnd()
@@ -62,6 +51,28 @@ public:
     // Sends what is buffered; false when the stream failed (now or earlier).
     bool flush();
     bool failed() const { return m_failed; }
+
+    // The n bytes as 2n upper-case hex digits at out; returns the sum of the bytes.
+    static unsigned encodeHex(const uint8_t *data, size_t n, char *out)
+    {
+        unsigned sum = 0;
+        size_t i = 0;
+#ifdef __SSE2__
+        for (; i + 16 <= n; i += 16, out += 32)
+            sum += encode16(data + i, out);
+#endif
+        for (; i < n; ++i, out += 2) {
+            out[0] = s_pairs[data[i]][0];
+            out[1] = s_pairs[data[i]][1];
+            sum += data[i];
+        }
+        return sum;
+    }
+    static void encodeByte(uint8_t v, char *out)
+    {
+        out[0] = s_pairs[v][0];
+        out[1] = s_pairs[v][1];
+    }
 
 private:
 #ifdef __SSE2__

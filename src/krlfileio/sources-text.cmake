@@ -4,6 +4,7 @@ list(APPEND KRLFILEIO_SOURCES
   KCLoadTarget.cpp
   KCHexRecordFormat.cpp
   KCHexRecordWriter.cpp
+  KCHexRecordPlan.cpp
   KCMappedFile.cpp
   KCFdOutputStream.cpp
   KCHexFileIntel.cpp
