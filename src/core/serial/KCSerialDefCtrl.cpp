@@ -339,6 +339,20 @@ int KCSerialDefCtrl::SERIAL_GetSerialNumber(unsigned flags, unsigned length, uns
     return 1;
 }
 
+int KCSerialDefCtrl::FILE_ConsumeLocked(const std::function<int(bool *writeBack)> &locked)
+{
+    const std::unique_ptr<cSerialDefFile> file = FILE_OpenDef(ModeConsume);
+    if (!file)
+        return 0;
+    bool writeBack = false;
+    int ok = FILE_ReadDef(file.get()) && BUFR_GetSerialBlocks() && locked(&writeBack);
+    if (ok && writeBack)
+        ok = BUFW_ModifySerialBlocks() && FILE_WriteDef(file.get());
+    if (!FILE_CloseDef(file.get()))
+        ok = 0;
+    return ok;
+}
+
 int KCSerialDefCtrl::FILE_WriteSerialFile()
 {
     // Fixed lines of the default file's layout.

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <atomic>
+#include <string>
+
+class KCDataDoc;
+class KCEngine;
+class KCProductionListener;
+class KCSerialDispenser;
+
+// A production run: per device the next serial number is taken and written into the buffer
+// through the document, the device is erased, programmed and verified by the engine, and the
+// result is counted and journaled. The run stops at the quantity, on cancel(), or when no
+// further number can be had.
+class KCProductionRun
+{
+public:
+    enum StopReason { QuantityReached, Cancelled, NumbersRanOut, JournalFailed };
+
+    KCProductionRun(KCDataDoc &doc, KCEngine &engine);
+
+    // Without a dispenser every device gets the buffer as it is.
+    void setSerial(KCSerialDispenser *dispenser, unsigned address, unsigned byteCount);
+    void setQuantity(unsigned quantity) { m_quantity = quantity; }
+    void setListener(KCProductionListener *listener) { m_listener = listener; }
+    // Callable from any thread: ends the engine's operation and any wait for the file.
+    void cancel();
+
+    StopReason run();
+    unsigned passed() const { return m_passed; }
+    unsigned failed() const { return m_failed; }
+    // Why the run stopped early, for the message window.
+    const std::string &stopText() const { return m_stopText; }
+
+private:
+    KCDataDoc &m_doc;
+    KCEngine &m_engine;
+    KCSerialDispenser *m_dispenser = nullptr;
+    unsigned m_address = 0;
+    unsigned m_byteCount = 0;
+    unsigned m_quantity = 1;
+    KCProductionListener *m_listener = nullptr;
+    std::atomic<bool> m_cancel{false};
+    unsigned m_passed = 0;
+    unsigned m_failed = 0;
+    std::string m_stopText;
+};
