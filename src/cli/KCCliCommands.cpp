@@ -4,6 +4,7 @@
 #include "KCCliConvertCommand.h"
 #include "KCCliDeviceCommand.h"
 #include "KCCliDevicesCommand.h"
+#include "KCCliEngineCommand.h"
 #include "KCCliFillCommand.h"
 #include "KCCliFindCommand.h"
 #include "KCCliJoinCommand.h"
@@ -26,5 +27,8 @@ std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
     commands.push_back(std::make_unique<KCCliSerialCommand>());
     commands.push_back(std::make_unique<KCCliDevicesCommand>());
     commands.push_back(std::make_unique<KCCliDeviceCommand>());
+    for (auto action : {KCCliEngineCommand::Program, KCCliEngineCommand::Read, KCCliEngineCommand::Verify,
+                        KCCliEngineCommand::Erase, KCCliEngineCommand::Blank})
+        commands.push_back(std::make_unique<KCCliEngineCommand>(action));
     return commands;
 }
