@@ -14,6 +14,8 @@ namespace {
 
 constexpr unsigned MsPerSecond = 1000;
 constexpr size_t WriteChunk = size_t(1) << 20;
+// The unit in which a changed image is written again.
+constexpr size_t PatchChunk = size_t(64) << 10;
 
 // flashrom tells its phases in plain words; they are what the progress bar can show.
 struct Phase
@@ -126,22 +128,30 @@ bool KCFlashromEngine::writeImage(const std::vector<uint8_t> &image, std::string
         *why = "no work folder for flashrom's image files";
         return false;
     }
-    const int fd = ::open(m_imagePath.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    // flashrom takes only images of the chip's size: what the image lacks is erased.
+    const size_t size = static_cast<size_t>(m_deviceSize);
+    const size_t given = static_cast<size_t>(std::min<uint64_t>(image.size(), m_deviceSize));
+    const bool patch = m_written.size() == size;
+    if (!patch)
+        m_written.assign(size, ErasedByte);
+    const int fd = ::open(m_imagePath.c_str(), O_WRONLY | O_CREAT | (patch ? 0 : O_TRUNC) | O_CLOEXEC, 0600);
     bool ok = fd >= 0;
-    const size_t n = static_cast<size_t>(std::min<uint64_t>(image.size(), m_deviceSize));
-    if (ok)
-        ok = writeAll(fd, image.data(), n);
-    // flashrom takes only images of the chip's size.
-    if (ok && n < m_deviceSize) {
-        const std::vector<uint8_t> erased(WriteChunk, ErasedByte);
-        for (uint64_t left = m_deviceSize - n; ok && left > 0;) {
-            const size_t k = static_cast<size_t>(std::min<uint64_t>(left, erased.size()));
-            ok = writeAll(fd, erased.data(), k);
-            left -= k;
-        }
+    std::vector<uint8_t> chunk;
+    for (size_t start = 0; ok && start < size; start += PatchChunk) {
+        const size_t n = std::min(PatchChunk, size - start);
+        const size_t fromImage = start < given ? std::min(n, given - start) : 0;
+        chunk.assign(image.begin() + static_cast<std::ptrdiff_t>(start),
+                     image.begin() + static_cast<std::ptrdiff_t>(start + fromImage));
+        chunk.resize(n, ErasedByte);
+        if (patch && std::memcmp(chunk.data(), &m_written[start], n) == 0)
+            continue;
+        std::memcpy(&m_written[start], chunk.data(), n);
+        ok = ::lseek(fd, static_cast<off_t>(start), SEEK_SET) >= 0 && writeAll(fd, chunk.data(), n);
     }
-    if (!ok)
+    if (!ok) {
         *why = m_imagePath + ": " + std::strerror(errno);
+        m_written.clear();
+    }
     if (fd >= 0)
         ::close(fd);
     return ok;

@@ -47,4 +47,7 @@ private:
     uint64_t m_deviceSize;
     std::string m_workDir;
     std::string m_imagePath;
+    // What the image file holds, so a device that differs only in its serial number costs a
+    // few bytes written, not the whole chip.
+    std::vector<uint8_t> m_written;
 };

@@ -30,6 +30,9 @@ KCProductionRun::StopReason KCProductionRun::run()
     m_passed = m_failed = 0;
     m_stopText.clear();
     m_engine.resetCancel();
+    // The image follows the buffer: only the serial number changes between devices.
+    const cByteBuffer &buffer = m_doc.AlgoParam().buffer(0);
+    std::vector<uint8_t> image(buffer.data(), buffer.data() + buffer.size());
     for (unsigned index = 0; index < m_quantity; ++index) {
         if (m_cancel) {
             m_stopText = "stopped by the operator";
@@ -43,11 +46,11 @@ KCProductionRun::StopReason KCProductionRun::run()
             }
             const size_t n = std::min<size_t>(bytes.size(), m_byteCount);
             m_doc.WriteRange(m_address, reinterpret_cast<const uint8_t *>(bytes.data()), n);
+            for (size_t i = 0; i < n && m_address + i < image.size(); ++i)
+                image[m_address + i] = buffer.data()[m_address + i];
         }
         if (m_listener)
             m_listener->deviceStarted(index, key);
-        const cByteBuffer &buffer = m_doc.AlgoParam().buffer(0);
-        const std::vector<uint8_t> image(buffer.data(), buffer.data() + buffer.size());
         const KCEngineResult result = m_engine.autoProgram(image);
         // A device the engine gave up on, for whatever reason, is a failed device.
         if (result.passed())

@@ -1,5 +1,6 @@
 #include "engine/cChildProcess.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
@@ -106,6 +107,8 @@ cChildProcess::Outcome cChildProcess::run(const std::vector<std::string> &argv, 
         onLine(pending);
 
     int status = 0;
+    // A program that closed its output ends at once as a rule: look again soon, then less often.
+    int waitMs = 1;
     for (;;) {
         // A program that closed its output but keeps running still gets the time limit.
         const pid_t done = ::waitpid(pid, &status, outcome == Exited ? WNOHANG : 0);
@@ -119,7 +122,8 @@ cChildProcess::Outcome cChildProcess::run(const std::vector<std::string> &argv, 
                 ::kill(-pid, SIGKILL);
                 continue;
             }
-            ::usleep(PollIntervalMs * 1000);
+            ::usleep(static_cast<useconds_t>(waitMs) * 1000);
+            waitMs = std::min(waitMs * 2, PollIntervalMs);
         }
     }
     if (WIFEXITED(status))
