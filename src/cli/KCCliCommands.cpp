@@ -2,6 +2,7 @@
 
 #include "KCCliChecksumCommand.h"
 #include "KCCliConvertCommand.h"
+#include "KCCliCsvCommand.h"
 #include "KCCliDeviceCommand.h"
 #include "KCCliDevicesCommand.h"
 #include "KCCliEngineCommand.h"
@@ -25,6 +26,7 @@ std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
     commands.push_back(std::make_unique<KCCliShuffleCommand>());
     commands.push_back(std::make_unique<KCCliJoinCommand>());
     commands.push_back(std::make_unique<KCCliSerialCommand>());
+    commands.push_back(std::make_unique<KCCliCsvCommand>());
     commands.push_back(std::make_unique<KCCliDevicesCommand>());
     commands.push_back(std::make_unique<KCCliDeviceCommand>());
     for (auto action : {KCCliEngineCommand::Program, KCCliEngineCommand::Read, KCCliEngineCommand::Verify,

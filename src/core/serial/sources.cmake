@@ -1,4 +1,6 @@
 list(APPEND KRLDV_CORE_SOURCES
+  serial/cCsvReader.cpp
+  serial/cKrlSerialNumberHandler.cpp
   serial/cSerialDefFile.cpp
   serial/cSerialJournalAudit.cpp
   serial/KCSerialDefCtrl.cpp
