@@ -15,6 +15,7 @@
 #include "fileio/KCFormatNames.h"
 #include "serial/KCSerialDefCtrl.h"
 #include "serial/KCSerialDispenser.h"
+#include "serial/cKrlSerialNumberHandler.h"
 
 #include <csignal>
 #include <cstdio>
@@ -111,7 +112,7 @@ const char *KCCliEngineCommand::usage() const
     case Program:
         t = "usage: krldv program IMAGE --device NAME --programmer SPEC [--engine E] [--quantity Q]\n"
             "                     [--serial DEFFILE --address A [--count N] [--repr R] [--little-endian]]\n"
-            "                     [--journal FILE] [--policy discard|reuse] [--from FORMAT]\n"
+            "                     [--journal FILE] [--policy discard|reuse] [--csv FILE] [--from FORMAT]\n"
             "\n"
             "A production run: per device the next serial number is taken from DEFFILE's first\n"
             "block and written into the image at buffer address A, then the device is erased,\n"
@@ -120,7 +121,9 @@ const char *KCCliEngineCommand::usage() const
             "  --quantity Q    devices to program (default 1)\n"
             "  --journal FILE  where numbers and results are journaled (default DEFFILE.journal)\n"
             "  --policy P      a failed device's number: discard (used up, the default) or reuse\n"
-            "                  (handed out again next)\n";
+            "                  (handed out again next)\n"
+            "  --csv FILE      a CSV serial variables file: each device takes its next free row\n"
+            "                  (krldv csv --help describes the file); journaled in FILE.journal\n";
         break;
     case Read:
         t = "usage: krldv read --device NAME --programmer SPEC [--engine E] -o OUT [--to FORMAT]\n\n"
@@ -150,7 +153,7 @@ int KCCliEngineCommand::run(const std::vector<std::string> &rawArgs)
         args.push_back(arg == "-o" ? "--output" : arg);
     const KCCliArgs a(args,
                       {"device", "engine", "programmer", "time-limit", "quantity", "serial", "address", "count",
-                       "repr", "journal", "policy", "from", "to", "output"},
+                       "repr", "journal", "policy", "from", "to", "output", "csv"},
                       {"little-endian", "verbose"});
     if (a.helpRequested()) {
         std::fputs(usage(), stdout);
@@ -175,7 +178,7 @@ int KCCliEngineCommand::run(const std::vector<std::string> &rawArgs)
         problem = "--quantity takes 1 to " + std::to_string(MaxQuantity) + " devices";
     const bool serial = a.has("serial");
     if (problem.empty() && m_action != Program
-        && (serial || a.has("quantity") || a.has("journal") || a.has("policy")))
+        && (serial || a.has("quantity") || a.has("journal") || a.has("policy") || a.has("csv")))
         problem = "serial numbers and quantities belong to krldv program";
     if (problem.empty() && serial
         && (!a.has("address") || !KCCliArgs::parseNumber(a.value("address"), address, 0xFFFFFFFF)))
@@ -283,7 +286,27 @@ int KCCliEngineCommand::run(const std::vector<std::string> &rawArgs)
         if (a.has("journal"))
             dispenser->setJournalPath(a.value("journal"));
     }
+    std::unique_ptr<cKrlSerialNumberHandler> csv;
+    if (a.has("csv")) {
+        csv = std::make_unique<cKrlSerialNumberHandler>(a.value("csv"), cKrlSerialNumberHandler::ModeLenient);
+        csv->setDeviceSize(buffer.size());
+        if (serial) {
+            // The definition file's number keeps its window: what it takes now, at most count.
+            Ctrl peek(&host, a.value("serial"));
+            unsigned flags = representation->second, length = 0, value = 0;
+            std::string number;
+            if (peek.SERIAL_GetNextSerialNumber(0, &flags, &length, &value, nullptr, &number, 0, 1))
+                csv->setReservedRange(static_cast<unsigned>(address),
+                                      static_cast<unsigned>(std::min<uint64_t>(count, number.size())));
+        }
+        // A file that fails its rule check hands out nothing.
+        if (!csv->readCSVSerialNumberFile()) {
+            std::fputs(csv->getErrors().c_str(), stderr);
+            return CLI_INPUT_ERROR;
+        }
+    }
     KCProductionRun run(doc, *engine);
+    run.setCsv(csv.get());
     run.setSerial(dispenser.get(), static_cast<unsigned>(address), static_cast<unsigned>(count));
     run.setQuantity(static_cast<unsigned>(quantity));
     run.setListener(&reporter);

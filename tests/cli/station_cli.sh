@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Four stations run production against one definition file with the "reuse" policy while a
-# fifth process kills them at random. Afterwards: no number was handed out twice, every number
-# the file moved past is in the journal, and a clean station gets every unused number back.
+# Four stations run production against one definition file (with the "reuse" policy) and one
+# CSV file while a fifth process kills them at random. Afterwards: no number or row was handed
+# out twice, every number the file moved past is in the journal, and a clean station gets every
+# unused number back.
 set -u
 KRLDV="$1"
 STORM_SECONDS="${KRLDV_STATION_SECONDS:-6}"
@@ -13,7 +14,8 @@ check() { if [ "$2" != "$3" ]; then echo "FAIL $1: got '$2', expected '$3'"; fai
 FIRST=$((0x100))
 printf 'Line\r\n{\r\nTYPE=CALC\r\nLENGTH=4\r\nNEXT=0x100\r\nSTEP=0x1\r\n}\r\n' > "$T/line.ser"
 head -c 65536 /dev/urandom > "$T/img.bin"
-RUN=(--device AT24C512 --engine virtual --serial "$T/line.ser" --address 0x10 --policy reuse)
+{ printf '#var,MAC,0x20,6,hex\r\nUSED,MAC\r\n'; for i in $(seq 3000); do printf ',0000%08X\r\n' "$i"; done; } > "$T/line.csv"
+RUN=(--device AT24C512 --engine virtual --serial "$T/line.ser" --address 0x10 --policy reuse --csv "$T/line.csv")
 
 station() {
   local s=$1
@@ -58,6 +60,10 @@ check "only one new number" "$(( $(grep -a NEXT "$T/line.ser" | tr -d '\r' | cut
 out=$("$KRLDV" serial journal "$T/line.ser")
 check "journal clean" "$?" 0
 check "every number passed" "$(keys $((next + 1)) | sort | comm -23 - <(awk '$3 == "pass" {print $4}' "$J" | sort -u) | wc -l)" 0
+# Rows: none twice; a row journaled by a station killed before marking it went to the next.
+"$KRLDV" serial journal "$T/line.csv" | grep -q "repeated 0$" || { echo "FAIL a row was handed out twice"; fail=1; }
+check "rows marked once each" "$(grep -c '^[^,#U]' "$T/line.csv")" \
+  "$(awk '$3 == "take" {print $4}' "$T/line.csv.journal" | sort -u | wc -l)"
 [ $fail -eq 0 ] || { echo "$out" | tail -5; echo "kept in $T"; exit 1; }
 echo "$kills kills, $taken numbers taken"
 rm -rf "$T"

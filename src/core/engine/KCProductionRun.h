@@ -7,6 +7,7 @@ class KCDataDoc;
 class KCEngine;
 class KCProductionListener;
 class KCSerialDispenser;
+class cKrlSerialNumberHandler;
 
 // A production run: per device the next serial number is taken and written into the buffer
 // through the document, the device is erased, programmed and verified by the engine, and the
@@ -21,6 +22,8 @@ public:
 
     // Without a dispenser every device gets the buffer as it is.
     void setSerial(KCSerialDispenser *dispenser, unsigned address, unsigned byteCount);
+    // Rows of a CSV serial variables file, one per device, beside or instead of the numbers.
+    void setCsv(cKrlSerialNumberHandler *csv) { m_csv = csv; }
     void setQuantity(unsigned quantity) { m_quantity = quantity; }
     void setListener(KCProductionListener *listener) { m_listener = listener; }
     // Callable from any thread: ends the engine's operation and any wait for the file.
@@ -36,6 +39,7 @@ private:
     KCDataDoc &m_doc;
     KCEngine &m_engine;
     KCSerialDispenser *m_dispenser = nullptr;
+    cKrlSerialNumberHandler *m_csv = nullptr;
     unsigned m_address = 0;
     unsigned m_byteCount = 0;
     unsigned m_quantity = 1;

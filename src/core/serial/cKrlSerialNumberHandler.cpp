@@ -311,3 +311,20 @@ bool cKrlSerialNumberHandler::takeNextRow(unsigned *row, std::vector<std::pair<u
     --m_freeRows;
     return true;
 }
+
+bool cKrlSerialNumberHandler::recordRow(unsigned row, bool passed, std::string *why)
+{
+    cSerialDefFile file;
+    const cSerialDefFile::OpenResult opened = file.open(m_path, true, m_cancel);
+    if (opened != cSerialDefFile::Opened) {
+        *why = m_path + (opened == cSerialDefFile::Cancelled ? ": the wait was cancelled" : ": " + file.errorText());
+        return false;
+    }
+    KCSerialJournal journal(KCSerialJournal::pathFor(m_path));
+    const bool ok = journal.append(passed ? TAG_SERIAL_JOURNAL_EVENT::Pass : TAG_SERIAL_JOURNAL_EVENT::Fail,
+                                   "row:" + std::to_string(row), passed ? "" : "discard");
+    if (!ok)
+        *why = journal.error();
+    file.close();
+    return ok;
+}

@@ -50,6 +50,9 @@ public:
     // Takes the next free row: the file is checked, the row marked used and journaled under
     // the lock. `values` gets each variable's address and bytes. False with `why`.
     bool takeNextRow(unsigned *row, std::vector<std::pair<uint32_t, std::string>> *values, std::string *why);
+    // The device that got `row` passed or failed; journaled under the lock. A failed
+    // device's row stays used.
+    bool recordRow(unsigned row, bool passed, std::string *why);
     void cancelWaiting() { m_cancel = true; }
 
 private:
