@@ -74,7 +74,7 @@ KCProductionRun::StopReason KCProductionRun::run()
         const std::string label = m_csv ? key + (key.empty() ? "row " : " row ") + std::to_string(row) : key;
         if (m_listener)
             m_listener->deviceStarted(index, label);
-        const KCEngineResult result = m_engine.autoProgram(image);
+        const KCEngineResult result = m_engineCall ? m_engineCall(m_engine, image) : m_engine.autoProgram(image);
         // A device the engine gave up on, for whatever reason, is a failed device.
         if (result.passed())
             ++m_passed;

@@ -1,10 +1,14 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
+#include <functional>
 #include <string>
+#include <vector>
 
 class KCDataDoc;
 class KCEngine;
+struct KCEngineResult;
 class KCProductionListener;
 class KCSerialDispenser;
 class cKrlSerialNumberHandler;
@@ -26,6 +30,10 @@ public:
     void setCsv(cKrlSerialNumberHandler *csv) { m_csv = csv; }
     void setQuantity(unsigned quantity) { m_quantity = quantity; }
     void setListener(KCProductionListener *listener) { m_listener = listener; }
+    // How the engine's erase-program-verify is called; a window runs it off its own thread
+    // and keeps painting meanwhile. Default: called directly.
+    using EngineCall = std::function<KCEngineResult(KCEngine &, const std::vector<uint8_t> &)>;
+    void setEngineCall(EngineCall call) { m_engineCall = std::move(call); }
     // Callable from any thread: ends the engine's operation and any wait for the file.
     void cancel();
 
@@ -44,6 +52,7 @@ private:
     unsigned m_byteCount = 0;
     unsigned m_quantity = 1;
     KCProductionListener *m_listener = nullptr;
+    EngineCall m_engineCall;
     std::atomic<bool> m_cancel{false};
     unsigned m_passed = 0;
     unsigned m_failed = 0;
