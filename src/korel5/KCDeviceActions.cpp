@@ -224,7 +224,8 @@ public:
     RunCounter(QProgressDialog &progress, unsigned quantity) : m_progress(progress), m_quantity(quantity) {}
     void deviceStarted(unsigned index, const std::string &number) override
     {
-        m_progress.setLabelText(QString("Device %1 of %2 %3\npassed %4, failed %5")
+        m_progress.setLabelText(QString(number.empty() ? "Device %1 of %2%3\npassed %4, failed %5"
+                                                      : "Device %1 of %2, serial %3\npassed %4, failed %5")
                                     .arg(index + 1).arg(m_quantity).arg(QString::fromStdString(number))
                                     .arg(m_passed).arg(m_failed));
     }
