@@ -3,8 +3,10 @@
 #include "KCCliChecksumCommand.h"
 #include "KCCliConvertCommand.h"
 #include "KCCliCrc16Command.h"
+#include "KCCliCsvCommand.h"
 #include "KCCliDeviceCommand.h"
 #include "KCCliDevicesCommand.h"
+#include "KCCliEngineCommand.h"
 #include "KCCliFillCommand.h"
 #include "KCCliFindCommand.h"
 #include "KCCliJoinCommand.h"
@@ -26,7 +28,11 @@ std::vector<std::unique_ptr<KCCliCommand>> KCCliCommands::create()
     commands.push_back(std::make_unique<KCCliShuffleCommand>());
     commands.push_back(std::make_unique<KCCliJoinCommand>());
     commands.push_back(std::make_unique<KCCliSerialCommand>());
+    commands.push_back(std::make_unique<KCCliCsvCommand>());
     commands.push_back(std::make_unique<KCCliDevicesCommand>());
     commands.push_back(std::make_unique<KCCliDeviceCommand>());
+    for (auto action : {KCCliEngineCommand::Program, KCCliEngineCommand::Read, KCCliEngineCommand::Verify,
+                        KCCliEngineCommand::Erase, KCCliEngineCommand::Blank})
+        commands.push_back(std::make_unique<KCCliEngineCommand>(action));
     return commands;
 }

@@ -58,3 +58,10 @@ bool KCCliDeviceOption::select(KCDataDoc &doc, const std::string &name)
     }
     return true;
 }
+
+const DEVICE_KRLXDEF_ITEM *KCCliDeviceOption::find(const std::string &name)
+{
+    std::string problem;
+    const KCDeviceDatabase *db = database(problem);
+    return db ? db->find(name) : nullptr;
+}

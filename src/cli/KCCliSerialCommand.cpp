@@ -8,6 +8,8 @@
 #include "KCFileFormatRegistry.h"
 #include "fileio/KCFormatNames.h"
 #include "serial/KCSerialDefCtrl.h"
+#include "serial/KCSerialJournal.h"
+#include "serial/cSerialJournalAudit.h"
 
 #include <cstdio>
 #include <map>
@@ -45,7 +47,13 @@ const char *KCCliSerialCommand::usage() const
            "Consumes the next number of the file's first block, writes it into the image at\n"
            "buffer address A (at most N bytes; default: the whole number) and saves the image\n"
            "as OUT (format from --to or OUT's extension). Prints the number as above.\n"
-           "  --device NAME  load through the device's size, ranges and address offset\n";
+           "  --device NAME  load through the device's size, ranges and address offset\n"
+           "\n"
+           "usage: krldv serial journal DEFFILE [--journal FILE]\n"
+           "\n"
+           "Prints the journal of the definition file (DEFFILE.journal unless given), then flags\n"
+           "numbers taken without a device result and numbers handed out twice, and lists\n"
+           "numbers given back for reuse. Exit status 1 when anything is flagged.\n";
 }
 
 namespace {
@@ -145,6 +153,8 @@ int KCCliSerialCommand::run(const std::vector<std::string> &args)
 {
     if (!args.empty() && args[0] == "stamp")
         return runStamp(args);
+    if (!args.empty() && args[0] == "journal")
+        return runJournal(args);
     const KCCliArgs a(args, {"block", "repr"}, {"advance", "little-endian"});
     if (a.helpRequested()) {
         std::fputs(usage(), stdout);
@@ -199,4 +209,37 @@ int KCCliSerialCommand::runNext(const std::string &defFile, int block, unsigned 
     const bool text = (flags & Ctrl::FlagCalc) ? (flags & Ctrl::FlagAsc) != 0 : data[0] == '"';
     printNumber(bytes, text);
     return CLI_OK;
+}
+
+int KCCliSerialCommand::runJournal(const std::vector<std::string> &args)
+{
+    const KCCliArgs a(args, {"journal"}, {});
+    if (a.helpRequested()) {
+        std::fputs(usage(), stdout);
+        return CLI_OK;
+    }
+    std::string problem = a.error();
+    if (problem.empty() && a.positional().size() != 2)
+        problem = "give one definition file";
+    if (!problem.empty())
+        return usageError(problem);
+    KCSerialJournal journal(a.value("journal", KCSerialJournal::pathFor(a.positional()[1])));
+    std::vector<TAG_SERIAL_JOURNAL_EVENT> events;
+    if (!journal.read(&events)) {
+        std::fprintf(stderr, "krldv: %s\n", journal.error().c_str());
+        return CLI_INPUT_ERROR;
+    }
+    std::fputs(journal.error().c_str(), stderr); // lines that could not be read
+    for (const TAG_SERIAL_JOURNAL_EVENT &e : events)
+        std::printf("%s\n", KCSerialJournal::format(e).c_str());
+    const cSerialJournalAudit audit(events);
+    for (const TAG_SERIAL_JOURNAL_EVENT &e : audit.open())
+        std::printf("no result: %s taken by %s (line %d)\n", e.key.c_str(), e.station.c_str(), e.line);
+    for (const TAG_SERIAL_JOURNAL_EVENT &e : audit.repeats())
+        std::printf("repeated: %s taken again by %s (line %d)\n", e.key.c_str(), e.station.c_str(), e.line);
+    for (const TAG_SERIAL_JOURNAL_EVENT &e : audit.reuseList())
+        std::printf("for reuse: %s\n", e.key.c_str());
+    std::printf("passed %u, failed %u, without result %zu, repeated %zu\n", audit.passed(), audit.failed(),
+                audit.open().size(), audit.repeats().size());
+    return audit.open().empty() && audit.repeats().empty() && journal.error().empty() ? CLI_OK : CLI_INPUT_ERROR;
 }

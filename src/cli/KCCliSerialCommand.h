@@ -16,4 +16,5 @@ public:
 private:
     int runNext(const std::string &defFile, int block, unsigned flags, bool advance);
     int runStamp(const std::vector<std::string> &args);
+    int runJournal(const std::vector<std::string> &args);
 };

@@ -2,6 +2,7 @@
 
 #include "KCAppHost.h"
 #include "KCAppSettings.h"
+#include "KCDeviceActions.h"
 #include "KCMainFrame.h"
 #include "KCSelectDeviceDialog.h"
 #include "doc/KCDataDoc.h"
@@ -107,6 +108,7 @@ void KCDeviceMenu::addTo(QMenu *menu)
     menu->addAction(m_optionsDock->toggleViewAction());
     menu->addAction(m_saveOptionsAction);
     menu->addAction(m_loadOptionsAction);
+    (new KCDeviceActions(m_frame, *this))->addTo(menu);
     // The window's commands work wherever the focus is.
     m_frame.addAction(m_selectAction);
     updateRecentMenu();

@@ -50,6 +50,8 @@ constexpr unsigned SerialUnclosedBlock = 0xEF3D;  // file, line, block name
 constexpr unsigned SerialNotAFile = 0xEF3E;       // file
 constexpr unsigned SerialFileTooLarge = 0xEF3F;   // file, most MiB
 constexpr unsigned SerialFileError = 0xEF40;      // file, what failed, the system's reason
+constexpr unsigned SerialPastLast = 0xEF41;       // file, line, block name, next, last
+constexpr unsigned SerialWraps = 0xEF42;          // file, line, block name, number, bytes
 constexpr unsigned DeviceBufferCaption = 2128;    // device name
 constexpr unsigned NoDeviceBufferCaption = 2575;  // no arguments
 // Captions of the device option pages, cited by the option types' page table; no arguments.
@@ -128,6 +130,8 @@ constexpr Entry All[] = {
     {SerialNotAFile, 1},
     {SerialFileTooLarge, 2},
     {SerialFileError, 3},
+    {SerialPastLast, 5},
+    {SerialWraps, 5},
     {OptionPageDevice, 0},
     {OptionPageAction, 0},
     {OptionPageIsp, 0},

@@ -298,12 +298,28 @@ int KCSerialDefCtrl::SERIAL_GetNextSerialCalcNumber(TAG_SERIAL_NUMBER *block, un
                                                      block->lengthText.empty() ? std::string("0") : block->lengthText});
         return 0;
     }
+    const int line = lineNumberAt(block->braceOpen) + 1;
+    if (block->hasLast && block->next > block->last) {
+        showMessage(KCHostStrings::SerialPastLast, {m_fileName, line, block->name, block->next, block->last});
+        return 0;
+    }
     if (!SERIAL_FORMAT_SerialCalcNumber(*flags, block->length, block->next, text))
         return 0;
     copyToData(data, *text);
     if (advance) {
         const uint64_t mask = (uint64_t(1) << (8 * block->length)) - 1;
-        block->next = static_cast<uint32_t>((uint64_t(block->next) + block->step) & mask);
+        const uint64_t following = uint64_t(block->next) + block->step;
+        if (block->hasLast && following > block->last) {
+            // Above LAST the file keeps a number no station takes.
+            block->next = static_cast<uint32_t>(std::min<uint64_t>(following, MaxNumber));
+        } else {
+            // A silent wrap would hand out numbers again: it is told while the number
+            // before it goes out.
+            if (following > mask)
+                showMessage(KCHostStrings::SerialWraps,
+                            {m_fileName, line, block->name, block->next, static_cast<unsigned>(block->length)});
+            block->next = static_cast<uint32_t>(following & mask);
+        }
     }
     return 1;
 }
@@ -337,6 +353,20 @@ int KCSerialDefCtrl::SERIAL_GetSerialNumber(unsigned flags, unsigned length, uns
         return 0;
     copyToData(data, *text);
     return 1;
+}
+
+int KCSerialDefCtrl::FILE_ConsumeLocked(const std::function<int(bool *writeBack)> &locked)
+{
+    const std::unique_ptr<cSerialDefFile> file = FILE_OpenDef(ModeConsume);
+    if (!file)
+        return 0;
+    bool writeBack = false;
+    int ok = FILE_ReadDef(file.get()) && BUFR_GetSerialBlocks() && locked(&writeBack);
+    if (ok && writeBack)
+        ok = BUFW_ModifySerialBlocks() && FILE_WriteDef(file.get());
+    if (!FILE_CloseDef(file.get()))
+        ok = 0;
+    return ok;
 }
 
 int KCSerialDefCtrl::FILE_WriteSerialFile()
@@ -607,6 +637,9 @@ int KCSerialDefCtrl::BUFR_SetParameter(TAG_SERIAL_NUMBER *block, const std::stri
         block->nextLine = line;
     } else if (equalsNoCase(key, "STEP")) {
         block->step = number(key, value, line);
+    } else if (equalsNoCase(key, "LAST")) {
+        block->last = number(key, value, line);
+        block->hasLast = true;
     } else if (equalsNoCase(key, "NEXTINDEX")) {
         block->nextIndex = number(key, value, line);
         block->nextIndexLine = line;

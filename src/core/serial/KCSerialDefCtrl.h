@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -82,6 +83,11 @@ public:
     // Formats `value` as a CALC number without touching the file.
     int SERIAL_GetSerialNumber(unsigned flags, unsigned length, unsigned value, char *const data,
                                std::string *text);
+    // Runs `locked` while the file is held exclusively and its blocks are freshly read, so a
+    // caller can take numbers (SERIAL_GetNextSerialNumber without readFile) and note them
+    // elsewhere before any other station sees the file; the blocks are written back when
+    // `locked` sets *writeBack. 0 when the file cannot be had or `locked` returns 0.
+    int FILE_ConsumeLocked(const std::function<int(bool *writeBack)> &locked);
     // Writes the first block's length, next and step into lines 3, 4 and 5 of the file,
     // which must have the default file's layout.
     int FILE_WriteSerialFile();

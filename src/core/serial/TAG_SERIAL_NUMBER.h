@@ -26,6 +26,8 @@ struct TAG_SERIAL_NUMBER
     std::string lengthText; // value text of the LENGTH line as read
     uint32_t next = 0;
     uint32_t step = 0;
+    uint32_t last = 0;      // LAST: the series' last number, when it has one
+    bool hasLast = false;
     std::string name;
     std::string nextText;    // value text of the NEXT line as read
     int nextLine = NoLine;   // 0-based line of the NEXT line

@@ -1,5 +1,6 @@
 list(APPEND KRLDV_CORE_TEST_SOURCES
   core/serial/KCSerialDefCtrlTest.cpp
+  core/serial/KCSerialDefCtrlLastTest.cpp
   core/serial/KCSerialDefCtrlStationsTest.cpp
 )
 

@@ -1,1 +1,1 @@
-list(APPEND KRLDV_GUI_TEST_SOURCES app/KCMainFrameTest.cpp app/KCDeviceMenuTest.cpp app/KCKorel5ProgramTest.cpp app/KCImageShapeAppTest.cpp)
+list(APPEND KRLDV_GUI_TEST_SOURCES app/KCMainFrameTest.cpp app/KCDeviceMenuTest.cpp app/KCKorel5ProgramTest.cpp app/KCImageShapeAppTest.cpp app/KCDeviceActionsTest.cpp)

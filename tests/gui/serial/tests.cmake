@@ -1,1 +1,1 @@
-list(APPEND KRLDV_GUI_TEST_SOURCES serial/KCSerialDefDlgTest.cpp)
+list(APPEND KRLDV_GUI_TEST_SOURCES serial/KCSerialDefDlgTest.cpp serial/cKrlCSVSerialNumberDlgTest.cpp)

@@ -1,0 +1,67 @@
+// The Device menu's engine commands on the virtual device: Auto programs what Read then
+// brings back, and a production run counts its devices and journals its numbers.
+#include "KCAppHost.h"
+#include "KCDeviceActions.h"
+#include "KCDeviceMenu.h"
+#include "KCMainFrame.h"
+#include "doc/KCDataDoc.h"
+#include "serial/KCSerialDefCtrl.h"
+#include "serial/KCSerialJournal.h"
+#include "serial/cSerialJournalAudit.h"
+
+#include <QAction>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+constexpr uint32_t SerialAddress = 0x10;
+constexpr unsigned Devices = 3;
+}
+
+TEST(DeviceActions, AutoReadAndAProductionRunOnTheVirtualDevice)
+{
+    QTemporaryDir dir;
+    KCMainFrame frame(dir.filePath("korel5.ini"));
+    frame.host().setInteractive(false);
+    frame.show();
+    KCDeviceActions *actions = frame.findChild<KCDeviceActions *>();
+    ASSERT_NE(actions, nullptr);
+    QAction *autoAction = nullptr;
+    for (QAction *a : frame.findChildren<QAction *>())
+        if (a->text() == "&Auto")
+            autoAction = a;
+    ASSERT_NE(autoAction, nullptr);
+    EXPECT_FALSE(autoAction->isEnabled()); // no device yet
+    ASSERT_TRUE(frame.devices()->select("AT24C02"));
+    ASSERT_TRUE(frame.newDocument());
+    EXPECT_TRUE(autoAction->isEnabled());
+    actions->setEngine("virtual", dir.filePath("chip.bin"));
+
+    KCDataDoc *doc = frame.document();
+    ASSERT_NE(doc, nullptr);
+    doc->FillRange(0, doc->GetBufferSize() - 1, 0x5A);
+    EXPECT_TRUE(actions->runCommand(KCDeviceActions::Auto).passed());
+    doc->FillRange(0, doc->GetBufferSize() - 1, 0x00);
+    EXPECT_TRUE(actions->runCommand(KCDeviceActions::Read).passed());
+    EXPECT_EQ(doc->GetData(0), 0x5A);
+    EXPECT_FALSE(actions->runCommand(KCDeviceActions::BlankCheck).passed());
+
+    const QString ser = dir.filePath("line.ser");
+    QFile f(ser);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("Line\r\n{\r\nTYPE=CALC\r\nLENGTH=1\r\nNEXT=0x41\r\nSTEP=0x1\r\n}\r\n");
+    f.close();
+    doc->setSerialDefPath(ser.toStdString());
+    doc->setSerialFlags(KCSerialDefCtrl::FlagHex | KCSerialDefCtrl::FlagBin);
+    doc->setSerialAddress(SerialAddress);
+    doc->setSerialByteCount(1);
+    EXPECT_TRUE(actions->productionRun(Devices));
+    EXPECT_EQ(doc->GetData(SerialAddress), 0x41 + Devices - 1); // the last device's number
+    std::vector<TAG_SERIAL_JOURNAL_EVENT> events;
+    KCSerialJournal(KCSerialJournal::pathFor(ser.toStdString())).read(&events);
+    EXPECT_EQ(cSerialJournalAudit(events).passed(), Devices);
+}
