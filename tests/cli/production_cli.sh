@@ -4,7 +4,7 @@
 # hanging engine is a failed device, not a hang.
 set -u
 KRLDV="$1"
-DEVICES="${KRLDV_PRODUCTION_DEVICES:-5}"
+DEVICES="${KRLDV_PRODUCTION_DEVICES:-20}" # a production run of 20 devices in a row
 T="$(mktemp -d)"; trap 'rm -rf "$T"' EXIT
 fail=0
 check() { if [ "$2" != "$3" ]; then echo "FAIL $1: got '$2', expected '$3'"; fail=1; fi; }
@@ -27,7 +27,7 @@ for i in $(seq "$DEVICES"); do
   check "device $i summary" "$(echo "$out" | tail -1)" "passed 1, failed 0"
   "$KRLDV" read "${DEV[@]}" --programmer "emulator:$T/chip$i.bin" -o "$T/back$i.bin" >/dev/null
   check "device $i read" "$?" 0
-  number=$(printf '%08X' $((0x1000 + i - 1)))
+  number=$(printf '%08x' $((0x1000 + i - 1))) # hex text is lower case
   check "device $i serial window" "$(dd if="$T/back$i.bin" bs=1 skip=$ADDR count=8 2>/dev/null)" "$number"
   # Everything outside the window is the image.
   check "device $i elsewhere" "$(cmp -l "$T/back$i.bin" "$T/want.bin" | awk -v a=$ADDR '$1 <= a || $1 > a + 8' | wc -l)" 0
