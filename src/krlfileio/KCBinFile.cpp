@@ -13,6 +13,9 @@ namespace {
 
 // Largest single read: keeps each system call bounded.
 constexpr uint64_t MaxReadChunk = uint64_t(1) << 30;
+// From this size a raw image loaded into an empty buffer shares the file's cached pages when
+// the buffer can; smaller ones are read, which costs little and takes no lease on the file.
+constexpr uint64_t ShareFileThreshold = uint64_t(64) << 20;
 // From this size a raw image is read by two threads.
 constexpr uint64_t ParallelReadThreshold = uint64_t(64) << 20;
 
@@ -46,13 +49,15 @@ KCLoadResult KCBinFile::Load(const KCInputFile &file, KCByteArray &target, const
 
     // Growing for bytes the file then fills entirely: no fill pass over them first.
     const uint64_t end = options.bufferOffset + count;
-    if (options.grow && options.bufferOffset <= target.size() && end > target.size()
+    const bool shared = count >= ShareFileThreshold && file.fd >= 0 && options.grow && options.bufferOffset == 0
+                        && target.size() == 0 && target.shareFile(file.fd, options.fileOffset, count);
+    if (!shared && options.grow && options.bufferOffset <= target.size() && end > target.size()
         && !target.resizeForOverwrite(end)) {
         m_sink.message(KCFileMessage::Error, file.name, 0, format("not enough memory for 0x%llX bytes", end));
         return result;
     }
     if (count && file.fd >= 0 && end <= target.size()) {
-        if (!readDirect(file, target.data() + options.bufferOffset, options.fileOffset, count))
+        if (!shared && !readDirect(file, target.data() + options.bufferOffset, options.fileOffset, count))
             return result;
         const uint64_t address = options.rangeStart + options.bufferOffset;
         result.bytesLoaded = count;

@@ -22,4 +22,16 @@ public:
     // Grows to newSize leaving the new bytes unspecified, for a caller that writes every one
     // of them at once (a raw image): saves a pass over memory that is overwritten anyway.
     virtual bool resizeForOverwrite(uint64_t newSize) { return resize(newSize, 0); }
+
+    // Makes `count` bytes of the open file `fd`, from `fileOffset`, the whole content of an
+    // empty array without copying them, when the storage can share the file's cached pages
+    // and keep them from changing with the file. Returns false when it cannot; the caller
+    // then reads the bytes.
+    virtual bool shareFile(int fd, uint64_t fileOffset, uint64_t count)
+    {
+        (void)fd;
+        (void)fileOffset;
+        (void)count;
+        return false;
+    }
 };

@@ -1,11 +1,14 @@
 #include "doc/cByteBuffer.h"
 
+#include "doc/cFileLeaseGuard.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <thread>
 #include <sys/mman.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -91,6 +94,8 @@ uint64_t roundUp(uint64_t n)
 
 } // namespace
 
+cByteBuffer::cByteBuffer() = default;
+
 cByteBuffer::cByteBuffer(uint64_t size, uint8_t fill)
 {
     resize(size, fill);
@@ -98,8 +103,45 @@ cByteBuffer::cByteBuffer(uint64_t size, uint8_t fill)
 
 cByteBuffer::~cByteBuffer()
 {
+    releaseMapping();
+}
+
+void cByteBuffer::releaseMapping()
+{
+    if (m_lease)
+        m_lease->release(false);
+    m_lease.reset();
     if (m_data)
         ::munmap(m_data, m_capacity);
+    m_data = nullptr;
+    m_size = m_capacity = m_used = 0;
+    m_fileMapped = false;
+}
+
+bool cByteBuffer::shareFile(int fd, uint64_t fileOffset, uint64_t count)
+{
+    if (m_size != 0 || m_lazy || count == 0 || fileOffset % PageSize != 0)
+        return false;
+    auto lease = std::make_unique<cFileLeaseGuard>();
+    if (!lease->take(fd))
+        return false;
+    // Under the lease nobody can shorten the file any more; it must still hold the bytes,
+    // or touching the mapping past its end would kill the process.
+    struct stat st;
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode) || uint64_t(st.st_size) < fileOffset + count)
+        return false;
+    const uint64_t capacity = roundUp(count);
+    void *p = ::mmap(nullptr, capacity, PROT_READ | PROT_WRITE, MAP_PRIVATE, fd, off_t(fileOffset));
+    if (p == MAP_FAILED)
+        return false;
+    lease->watch(static_cast<uint8_t *>(p), capacity);
+    releaseMapping();
+    m_data = static_cast<uint8_t *>(p);
+    m_capacity = capacity;
+    m_size = m_used = count;
+    m_fileMapped = true;
+    m_lease = std::move(lease);
+    return true;
 }
 
 bool (*cByteBuffer::s_hugePagesFree)(uint64_t) = hugePagesFree;
@@ -111,9 +153,9 @@ bool cByteBuffer::reserve(uint64_t newSize)
         return true;
     const uint64_t capacity = roundUp(newSize);
     const int flags = MAP_PRIVATE | MAP_ANONYMOUS | (m_lazy ? MAP_NORESERVE : 0);
-    void *p = m_data ? ::mremap(m_data, m_capacity, capacity, MREMAP_MAYMOVE)
-                     : ::mmap(nullptr, capacity, PROT_READ | PROT_WRITE, flags, -1, 0);
-    if (p == MAP_FAILED && m_data) {
+    void *p = m_data && !m_fileMapped ? ::mremap(m_data, m_capacity, capacity, MREMAP_MAYMOVE)
+                                      : ::mmap(nullptr, capacity, PROT_READ | PROT_WRITE, flags, -1, 0);
+    if (p == MAP_FAILED && m_data && !m_fileMapped) {
         // The mapping cannot move as a whole (the kernel split it): take a fresh one and copy.
         p = ::mmap(nullptr, capacity, PROT_READ | PROT_WRITE, flags, -1, 0);
         if (p == MAP_FAILED)
@@ -122,6 +164,13 @@ bool cByteBuffer::reserve(uint64_t newSize)
         ::munmap(m_data, m_capacity);
     } else if (p == MAP_FAILED) {
         return false;
+    } else if (m_fileMapped) {
+        // A file mapping cannot grow past the file: the bytes move to anonymous memory.
+        const uint64_t used = m_used, size = m_size;
+        std::memcpy(p, m_data, used);
+        releaseMapping();
+        m_used = used;
+        m_size = size;
     }
     m_data = static_cast<uint8_t *>(p);
     // Huge pages are asked for over the whole mapping, so that it stays one piece the kernel
@@ -152,7 +201,10 @@ bool cByteBuffer::resize(uint64_t newSize, uint8_t fill)
         const uint64_t end = fill == 0 ? std::min(newSize, m_used) : newSize;
         if (end > m_size)
             std::memset(m_data + m_size, fill, end - m_size);
-    } else if (newSize < m_size) {
+    } else if (newSize == 0 && m_fileMapped) {
+        releaseMapping();
+        return true;
+    } else if (newSize < m_size && !m_fileMapped) {
         // Whole pages past the new end go back to the system and read as zero again, so a
         // later growth with a zero fill need not clear them.
         const uint64_t keep = std::min(roundUp(newSize), m_capacity);

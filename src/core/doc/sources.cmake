@@ -18,4 +18,5 @@ list(APPEND KRLDV_CORE_SOURCES
   doc/cAlgoParam.cpp
   doc/cBufferSum.cpp
   doc/cByteBuffer.cpp
+  doc/cFileLeaseGuard.cpp
 )
