@@ -109,7 +109,7 @@ cByteBuffer::~cByteBuffer()
 void cByteBuffer::releaseMapping()
 {
     if (m_lease)
-        m_lease->release(false);
+        m_lease->release();
     m_lease.reset();
     if (m_data)
         ::munmap(m_data, m_capacity);

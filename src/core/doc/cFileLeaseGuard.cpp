@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <fcntl.h>
 #include <mutex>
 #include <sched.h>
@@ -10,10 +11,6 @@
 #include <unistd.h>
 
 namespace {
-
-#ifndef MADV_POPULATE_WRITE
-#define MADV_POPULATE_WRITE 23
-#endif
 
 constexpr uint64_t PageSize = 4096;
 // The real-time signal the kernel sends when a leased file is about to be written; one the
@@ -49,15 +46,18 @@ int leaseSignal()
     return SIGRTMIN + LeaseSignalOffset;
 }
 
-// Writes every page once so the kernel gives it a private copy; afterwards the file can
-// change without the mapping changing. Older kernels lack the one-call form: an atomic
-// no-op on one byte per page does the same without losing a write made at the same time.
-void makePrivate(uint8_t *data, uint64_t bytes)
+// Moves the mapping's content into anonymous memory at the same address, so that neither a
+// change of the file nor its truncation (which takes even private copies of pages past the
+// new end away) can reach it. The copy runs on the main thread, where the buffer is written,
+// so no write can fall between copying a page and replacing it.
+void moveToAnonymous(uint8_t *data, uint64_t bytes)
 {
-    if (::madvise(data, bytes, MADV_POPULATE_WRITE) == 0)
+    void *copy = ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (copy == MAP_FAILED)
         return;
-    for (uint64_t offset = 0; offset < bytes; offset += PageSize)
-        __atomic_fetch_or(data + offset, uint8_t(0), __ATOMIC_RELAXED);
+    std::memcpy(copy, data, bytes);
+    if (::mremap(copy, bytes, bytes, MREMAP_MAYMOVE | MREMAP_FIXED, data) == MAP_FAILED)
+        ::munmap(copy, bytes);
 }
 
 // Breaks the slot if it is still watched; returns once it no longer is.
@@ -66,7 +66,7 @@ void breakSlot(Slot &slot)
     int expected = Watching;
     if (!slot.state.compare_exchange_strong(expected, Breaking))
         return;
-    makePrivate(slot.data.load(), slot.bytes.load());
+    moveToAnonymous(slot.data.load(), slot.bytes.load());
     ::fcntl(slot.fd.load(), F_SETLEASE, F_UNLCK);
     g_breaks.fetch_add(1);
     slot.state.store(Broken);
@@ -100,7 +100,7 @@ void install()
 
 cFileLeaseGuard::~cFileLeaseGuard()
 {
-    release(false);
+    release();
 }
 
 unsigned cFileLeaseGuard::breakCount()
@@ -110,7 +110,7 @@ unsigned cFileLeaseGuard::breakCount()
 
 bool cFileLeaseGuard::take(int fd)
 {
-    release(false);
+    release();
     std::call_once(g_installOnce, install);
     if (!g_installed)
         return false;
@@ -125,7 +125,11 @@ bool cFileLeaseGuard::take(int fd)
     // A descriptor of our own: the lease lives as long as it is open, and children do not
     // inherit it.
     const int own = ::fcntl(fd, F_DUPFD_CLOEXEC, 0);
-    if (own < 0 || ::fcntl(own, F_SETSIG, leaseSignal()) != 0 || ::fcntl(own, F_SETLEASE, F_RDLCK) != 0) {
+    // The break is answered on the main thread: it lives as long as the process, and it is
+    // the thread that writes into buffers.
+    const f_owner_ex owner = {F_OWNER_TID, ::getpid()};
+    if (own < 0 || ::fcntl(own, F_SETOWN_EX, &owner) != 0 || ::fcntl(own, F_SETSIG, leaseSignal()) != 0
+        || ::fcntl(own, F_SETLEASE, F_RDLCK) != 0) {
         if (own >= 0)
             ::close(own);
         g_slots[slot].state.store(Free);
@@ -150,21 +154,17 @@ void cFileLeaseGuard::watch(uint8_t *data, uint64_t bytes)
         breakSlot(slot);
 }
 
-void cFileLeaseGuard::release(bool keepContent)
+void cFileLeaseGuard::release()
 {
     if (m_slot < 0)
         return;
     Slot &slot = g_slots[m_slot];
     int expected = Watching;
-    const bool watched = slot.state.compare_exchange_strong(expected, Releasing);
-    if (!watched) {
-        // A break running on another thread finishes first; it made the pages private.
+    if (!slot.state.compare_exchange_strong(expected, Releasing)) {
         while (slot.state.load() == Breaking)
             sched_yield();
         slot.state.store(Releasing);
     }
-    if (watched && keepContent)
-        makePrivate(slot.data.load(), slot.bytes.load());
     const int fd = slot.fd.exchange(-1);
     ::fcntl(fd, F_SETLEASE, F_UNLCK);
     ::close(fd);

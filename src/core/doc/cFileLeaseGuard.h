@@ -9,8 +9,8 @@
 // instead of taking fresh, zeroed memory and copying into it. But pages of such a mapping
 // that were never written still show the file, so a later change of the file by another
 // program would change the buffer too. A read lease on the file closes that gap: before any
-// process may open the file for writing or truncate it, the kernel notifies us, and we copy
-// every page still shared into private memory and only then let the writer go on.
+// process may open the file for writing or truncate it, the kernel notifies us, and we move
+// the mapping's content into anonymous memory and only then let the writer go on.
 //
 // Without a lease (a file open for writing somewhere, a file of another user, a file system
 // without leases) `take` refuses and the caller reads the file instead.
@@ -28,9 +28,8 @@ public:
     bool take(int fd);
     void watch(uint8_t *data, uint64_t bytes);
 
-    // Gives the lease up. With `keepContent` the watched pages are made private first, so
-    // the mapping keeps the content it had; without it the caller drops the mapping.
-    void release(bool keepContent);
+    // Gives the lease up; the caller then drops or replaces the mapping.
+    void release();
 
     bool isHeld() const { return m_slot >= 0; }
 
