@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// The two sums of a JEDEC fuse map.
+// The two sums of a JEDEC fuse map, and the fuse digits they are taken over.
 class KCJedecChecksum
 {
 public:
@@ -13,4 +13,7 @@ public:
 
     // Transmission checksum: every byte added modulo 2^16, continuing from `sum`.
     static uint16_t transmission(const uint8_t *data, size_t size, uint16_t sum = 0);
+
+    // The fuses as the digits of an L field: '0' for a zero byte, '1' for any other.
+    static void fuseDigits(const uint8_t *fuses, size_t count, char *out);
 };

@@ -22,6 +22,17 @@ unsigned decimalDigits(uint64_t value)
     return digits;
 }
 
+// Adds `amount` to the decimal number held in `digits` (which has room for the result).
+void addToDecimal(std::string &digits, unsigned amount)
+{
+    for (size_t i = digits.size(); i > 0 && amount; --i) {
+        const unsigned d = unsigned(digits[i - 1] - '0') + amount % 10;
+        amount /= 10;
+        digits[i - 1] = char('0' + d % 10);
+        amount += d / 10;
+    }
+}
+
 } // namespace
 
 KCLoadResult KCJedecFile::Load(const KCInputFile &file, KCByteArray &target, const KCLoadOptions &options)
@@ -59,20 +70,21 @@ bool KCJedecFile::Save(KCOutputStream &out, const std::string &fileName, const u
     w.append("F0*", 3);
     w.endLine();
 
+    // Every row is "L<number> <digits>*<end of line>"; the fuse number is counted up in
+    // decimal text rather than formatted afresh for each of up to a million rows.
     const unsigned width = decimalDigits(size ? size - 1 : 0);
+    const size_t eolLength = std::strlen(w.endOfLine());
+    std::string number(width, '0');
     for (uint64_t row = 0; row < size; row += kFusesPerRow) {
-        const uint64_t n = std::min<uint64_t>(kFusesPerRow, size - row);
-        char *line = w.grow(1 + width + 1 + n);
+        const size_t n = size_t(std::min<uint64_t>(kFusesPerRow, size - row));
+        char *line = w.grow(1 + width + 1 + n + 1 + eolLength);
         line[0] = 'L';
-        uint64_t number = row;
-        for (unsigned i = width; i > 0; --i, number /= 10)
-            line[i] = char('0' + number % 10);
+        std::memcpy(line + 1, number.data(), width);
         line[width + 1] = ' ';
-        char *digits = line + width + 2;
-        for (uint64_t i = 0; i < n; ++i)
-            digits[i] = data[row + i] ? '1' : '0';
-        w.append("*", 1);
-        w.endLine();
+        KCJedecChecksum::fuseDigits(data + row, n, line + width + 2);
+        line[width + 2 + n] = '*';
+        std::memcpy(line + width + 3 + n, w.endOfLine(), eolLength);
+        addToDecimal(number, kFusesPerRow);
         if (!w.flushIfFull()) {
             m_sink.message(KCFileMessage::Error, fileName, 0, "write failed");
             return false;

@@ -32,6 +32,7 @@ public:
         m_buffer.append(text, std::min<size_t>(size_t(std::max(n, 0)), sizeof text - 1));
     }
     void endLine() { m_buffer.append(m_eol); }
+    const char *endOfLine() const { return m_eol; }
     char *grow(size_t size)
     {
         const size_t at = m_buffer.size();
