@@ -135,3 +135,5 @@ peerRuns=${KRLDV_BENCH_PEER_RUNS:-1}
 # srec_cat writes 32 data bytes per record unless told; give it krldv's 16.
 writerRow "bin -> Intel HEX" intel hex "-intel -Output_Block_Size 16" ihex ""
 writerRow "bin -> S-record" motorola srec "-motorola -Output_Block_Size 16" srec ""
+# Neither peer writes JEDEC fuse maps (one fuse per byte: 64 Mi fuses); cat is the floor.
+writerRow "bin -> JEDEC" jedec jed "-no-such-format" "no-such-format" ""
