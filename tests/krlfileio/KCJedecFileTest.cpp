@@ -1,4 +1,5 @@
 #include "KCFormatTestTools.h"
+#include "KCJedecChecksum.h"
 #include "KCJedecFile.h"
 
 #include <string>
@@ -187,6 +188,33 @@ TEST(KCJedecFile, WrittenMapReadsBackWithValidChecksums)
     StringOutputStream out;
     EXPECT_FALSE(KCFileFormatRegistry::byName("jedec")->create(sink)->Save(out, "out", map.data(), map.size(), starred));
     EXPECT_EQ(sink.count(KCFileMessage::Error), 1u);
+}
+
+// The sums and digits are taken sixteen bytes at a time; every length and starting offset
+// around those blocks gives what the definitions give byte by byte.
+TEST(KCJedecFile, BlockwiseSumsAndDigitsMatchTheDefinitions)
+{
+    Random random(11);
+    std::vector<uint8_t> data(300);
+    for (auto &b : data)
+        b = random.below(3) ? 0 : uint8_t(1 + random.below(255));
+    for (size_t start : {0, 1, 7}) {
+        for (size_t n = 0; n + start <= data.size(); n += (n < 40 ? 1 : 37)) {
+            const uint8_t *f = data.data() + start;
+            unsigned packed = 0, transmission = 0;
+            std::string digits;
+            for (size_t i = 0; i < n; ++i) {
+                packed += unsigned(f[i] != 0) << (i % 8);
+                transmission += f[i];
+                digits += f[i] ? '1' : '0';
+            }
+            EXPECT_EQ(KCJedecChecksum::fuses(f, n), uint16_t(packed)) << start << "+" << n;
+            EXPECT_EQ(KCJedecChecksum::transmission(f, n, 0xFFF0), uint16_t(transmission + 0xFFF0)) << n;
+            std::string out(n, '?');
+            KCJedecChecksum::fuseDigits(f, n, out.data());
+            EXPECT_EQ(out, digits) << n;
+        }
+    }
 }
 
 TEST(KCJedecFile, DetectionNeedsAJedecFirstField)
