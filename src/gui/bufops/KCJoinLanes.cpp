@@ -1,53 +1,37 @@
 #include "bufops/KCJoinLanes.h"
 
+#include "bufops/KCLaneDialogForm.h"
 #include "bufops/cLaneNames.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
-#include <QVBoxLayout>
 
 namespace {
 
-const char *const ControlIdProperty = "controlId";
-
-uint32_t selectedWidth(const QComboBox *box)
-{
-    return box->currentIndex() < 0 ? 0 : box->currentData().toUInt();
-}
+using Form = KCLaneDialogForm;
 
 } // namespace
 
 KCJoinLanes::KCJoinLanes(std::vector<KCDataDoc *> docs, std::function<KCDataDoc *()> newDocument, QWidget *parent)
-    : QDialog(parent), m_model(std::move(docs), std::move(newDocument)), m_form(new QFormLayout)
+    : QDialog(parent), m_model(std::move(docs), std::move(newDocument))
 {
     setWindowTitle(tr("Join Lanes"));
-    const auto combo = [this](int id, const QString &label) {
-        auto *box = new QComboBox(this);
-        box->setProperty(ControlIdProperty, id);
-        m_form->addRow(label, box);
-        return box;
-    };
-    m_narrowWidth = combo(IDC_NARROW_WIDTH, tr("&Lane width (bits):"));
-    m_wideWidth = combo(IDC_WIDE_WIDTH, tr("&Joined width (bits):"));
+    Form form(this);
+    m_form = form.layout();
+    m_narrowWidth = form.addList(IDC_NARROW_WIDTH, tr("&Lane width (bits):"));
+    m_wideWidth = form.addList(IDC_WIDE_WIDTH, tr("&Joined width (bits):"));
     QStringList titles;
     for (const std::string &title : m_model.titles())
         titles << QString::fromStdString(title);
     for (int lane = 0; lane < MaxLanes; ++lane) {
-        m_laneDocs.push_back(combo(IDC_LANE_DOC + lane, QString()));
+        m_laneDocs.push_back(form.addList(IDC_LANE_DOC + lane, QString()));
         m_laneDocs.back()->addItems(titles);
     }
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    connect(buttons, &QDialogButtonBox::accepted, this, &KCJoinLanes::OnOK);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(m_form);
-    layout->addWidget(buttons);
+    connect(form.finish(), &QDialogButtonBox::accepted, this, &KCJoinLanes::OnOK);
 
-    for (uint32_t w : KCJoinLanesModel::NarrowWidths())
-        m_narrowWidth->addItem(QString::asprintf("%d", int(w)), w);
-    m_narrowWidth->setCurrentIndex(0);
+    Form::setWidths(m_narrowWidth, KCJoinLanesModel::NarrowWidths());
     refillWideWidths();
     connect(m_narrowWidth, &QComboBox::currentIndexChanged, this, &KCJoinLanes::refillWideWidths);
     connect(m_wideWidth, &QComboBox::currentIndexChanged, this, &KCJoinLanes::showLanes);
@@ -66,16 +50,13 @@ QWidget *KCJoinLanes::control(int id) const
 void KCJoinLanes::refillWideWidths()
 {
     const QSignalBlocker block(m_wideWidth);
-    m_wideWidth->clear();
-    for (uint32_t w : KCJoinLanesModel::WideWidths(selectedWidth(m_narrowWidth)))
-        m_wideWidth->addItem(QString::asprintf("%d", int(w)), w);
-    m_wideWidth->setCurrentIndex(m_wideWidth->count() ? 0 : -1);
+    Form::setWidths(m_wideWidth, KCJoinLanesModel::WideWidths(Form::selectedWidth(m_narrowWidth)));
     showLanes();
 }
 
 void KCJoinLanes::showLanes()
 {
-    const uint32_t narrow = selectedWidth(m_narrowWidth), wide = selectedWidth(m_wideWidth);
+    const uint32_t narrow = Form::selectedWidth(m_narrowWidth), wide = Form::selectedWidth(m_wideWidth);
     const std::vector<int> picks = m_model.defaultPicks(narrow, wide);
     for (int lane = 0; lane < MaxLanes; ++lane) {
         const bool used = size_t(lane) < picks.size();
@@ -91,7 +72,7 @@ void KCJoinLanes::showLanes()
 
 void KCJoinLanes::OnOK()
 {
-    const uint32_t narrow = selectedWidth(m_narrowWidth), wide = selectedWidth(m_wideWidth);
+    const uint32_t narrow = Form::selectedWidth(m_narrowWidth), wide = Form::selectedWidth(m_wideWidth);
     std::vector<int> picks;
     for (uint32_t lane = 0; narrow && lane < wide / narrow && lane < MaxLanes; ++lane)
         picks.push_back(m_laneDocs[lane]->currentIndex());

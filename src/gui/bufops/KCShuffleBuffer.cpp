@@ -1,22 +1,18 @@
 #include "bufops/KCShuffleBuffer.h"
 
 #include "bufops/KCAddEdit.h"
+#include "bufops/KCLaneDialogForm.h"
 #include "bufops/cLaneNames.h"
 #include "doc/KCDataDoc.h"
 #include "view/KCDataView.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QFormLayout>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QVBoxLayout>
 
 namespace {
 
-const char *const ControlIdProperty = "controlId";
-constexpr int HexBase = 16;
-constexpr int AddressDigits = 8;
 constexpr uint64_t MaxAddress = 0xFFFFFFFFull;
 
 // The frame's document windows in its order; a window without a data view is none.
@@ -32,10 +28,7 @@ std::vector<KCShuffleBufferModel::ChildWindow> childWindows(QMdiArea *frame)
     return children;
 }
 
-uint32_t selectedWidth(const QComboBox *box)
-{
-    return box->currentIndex() < 0 ? 0 : box->currentData().toUInt();
-}
+using Form = KCLaneDialogForm;
 
 } // namespace
 
@@ -43,33 +36,14 @@ KCShuffleBuffer::KCShuffleBuffer(KCDocBase *doc, QMdiArea *frame, QWidget *paren
     : QDialog(parent), m_model(doc, childWindows(frame), init)
 {
     setWindowTitle(tr("Shuffle Buffer"));
-    auto *form = new QFormLayout;
-    const auto combo = [this, form](int id, const QString &label) {
-        auto *box = new QComboBox(this);
-        box->setProperty(ControlIdProperty, id);
-        form->addRow(label, box);
-        return box;
-    };
-    const auto edit = [this, form](int id, const QString &label) {
-        auto *e = new KCAddEdit(this);
-        e->setProperty(ControlIdProperty, id);
-        e->setBounds(0, MaxAddress);
-        e->setBase(HexBase, AddressDigits);
-        form->addRow(label, e);
-        return e;
-    };
-    m_sourceWidth = combo(IDC_SOURCE_WIDTH, tr("&Source width (bits):"));
-    m_destWidth = combo(IDC_DEST_WIDTH, tr("&Destination width (bits):"));
-    m_lane = combo(IDC_LANE, tr("&Lane:"));
-    m_first = edit(IDC_FIRST, tr("&First address (hex):"));
-    m_last = edit(IDC_LAST, tr("Las&t address (hex):"));
-    m_destDoc = combo(IDC_DEST_DOC, tr("Destination &buffer:"));
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    connect(buttons, &QDialogButtonBox::accepted, this, &KCShuffleBuffer::OnOK);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addWidget(buttons);
+    Form form(this);
+    m_sourceWidth = form.addList(IDC_SOURCE_WIDTH, tr("&Source width (bits):"));
+    m_destWidth = form.addList(IDC_DEST_WIDTH, tr("&Destination width (bits):"));
+    m_lane = form.addList(IDC_LANE, tr("&Lane:"));
+    m_first = form.addAddress(IDC_FIRST, tr("&First address (hex):"), MaxAddress);
+    m_last = form.addAddress(IDC_LAST, tr("Las&t address (hex):"), MaxAddress);
+    m_destDoc = form.addList(IDC_DEST_DOC, tr("Destination &buffer:"));
+    connect(form.finish(), &QDialogButtonBox::accepted, this, &KCShuffleBuffer::OnOK);
     OnInitDialog();
     connect(m_sourceWidth, &QComboBox::currentIndexChanged, this, &KCShuffleBuffer::refillDestWidths);
     connect(m_destWidth, &QComboBox::currentIndexChanged, this, &KCShuffleBuffer::refillLanes);
@@ -77,19 +51,14 @@ KCShuffleBuffer::KCShuffleBuffer(KCDocBase *doc, QMdiArea *frame, QWidget *paren
 
 QWidget *KCShuffleBuffer::control(int id) const
 {
-    for (QWidget *w : std::initializer_list<QWidget *>{m_sourceWidth, m_destWidth, m_lane, m_destDoc, m_first, m_last})
-        if (w->property(ControlIdProperty).toInt() == id)
-            return w;
-    return nullptr;
+    return Form::find({m_sourceWidth, m_destWidth, m_lane, m_destDoc, m_first, m_last}, id);
 }
 
 void KCShuffleBuffer::OnInitDialog()
 {
     if (!m_model.isValid())
         return;
-    for (uint32_t w : m_model.sourceWidths())
-        m_sourceWidth->addItem(QString::asprintf("%d", int(w)), w);
-    m_sourceWidth->setCurrentIndex(0);
+    Form::setWidths(m_sourceWidth, m_model.sourceWidths());
     refillDestWidths();
     for (const std::string &title : m_model.destTitles())
         m_destDoc->addItem(QString::fromStdString(title));
@@ -103,17 +72,14 @@ void KCShuffleBuffer::OnInitDialog()
 void KCShuffleBuffer::refillDestWidths()
 {
     const QSignalBlocker block(m_destWidth);
-    m_destWidth->clear();
-    for (uint32_t w : KCShuffleBufferModel::DestWidths(selectedWidth(m_sourceWidth)))
-        m_destWidth->addItem(QString::asprintf("%d", int(w)), w);
-    m_destWidth->setCurrentIndex(m_destWidth->count() ? 0 : -1);
+    Form::setWidths(m_destWidth, KCShuffleBufferModel::DestWidths(Form::selectedWidth(m_sourceWidth)));
     refillLanes();
 }
 
 void KCShuffleBuffer::refillLanes()
 {
     m_lane->clear();
-    for (const std::string &name : cLaneNames::Get(selectedWidth(m_sourceWidth), selectedWidth(m_destWidth)))
+    for (const std::string &name : cLaneNames::Get(Form::selectedWidth(m_sourceWidth), Form::selectedWidth(m_destWidth)))
         m_lane->addItem(QString::fromStdString(name));
     m_lane->setCurrentIndex(m_lane->count() ? 0 : -1);
 }
@@ -135,8 +101,8 @@ void KCShuffleBuffer::OnOK()
         return;
     }
     const KCShuffleBufferModel::Result result =
-        m_model.apply(m_destDoc->currentIndex(), first, last, selectedWidth(m_sourceWidth),
-                      selectedWidth(m_destWidth), uint32_t(std::max(0, m_lane->currentIndex())));
+        m_model.apply(m_destDoc->currentIndex(), first, last, Form::selectedWidth(m_sourceWidth),
+                      Form::selectedWidth(m_destWidth), uint32_t(std::max(0, m_lane->currentIndex())));
     if (result == KCShuffleBufferModel::Done)
         accept();
     else if (result == KCShuffleBufferModel::Failed || result == KCShuffleBufferModel::Closed)

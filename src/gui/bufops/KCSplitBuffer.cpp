@@ -1,21 +1,18 @@
 #include "bufops/KCSplitBuffer.h"
 
 #include "bufops/KCAddEdit.h"
+#include "bufops/KCLaneDialogForm.h"
 #include "doc/KCDataDoc.h"
 #include "view/KCDataView.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
-#include <QFormLayout>
 #include <QMdiArea>
 #include <QMdiSubWindow>
-#include <QVBoxLayout>
 
 namespace {
 
-const char *const ControlIdProperty = "controlId";
-constexpr int HexBase = 16;
-constexpr int AddressDigits = 8;
+using Form = KCLaneDialogForm;
 
 // The document of the frame's active window: the source of the split.
 KCDocBase *activeDocument(QMdiArea *frame)
@@ -25,46 +22,20 @@ KCDocBase *activeDocument(QMdiArea *frame)
     return view ? view->document() : nullptr;
 }
 
-uint32_t selectedWidth(const QComboBox *box)
-{
-    return box->currentIndex() < 0 ? 0 : box->currentData().toUInt();
-}
-
 } // namespace
 
 KCSplitBuffer::KCSplitBuffer(QMdiArea *frame, std::function<KCDataDoc *()> newDocument, QWidget *parent)
     : QDialog(parent), m_model(activeDocument(frame), std::move(newDocument))
 {
     setWindowTitle(tr("Split Buffer"));
-    auto *form = new QFormLayout;
-    const auto combo = [this, form](int id, const QString &label) {
-        auto *box = new QComboBox(this);
-        box->setProperty(ControlIdProperty, id);
-        form->addRow(label, box);
-        return box;
-    };
-    const auto edit = [this, form](int id, const QString &label) {
-        auto *e = new KCAddEdit(this);
-        e->setProperty(ControlIdProperty, id);
-        e->setBounds(0, m_model.maxAddress());
-        e->setBase(HexBase, AddressDigits);
-        form->addRow(label, e);
-        return e;
-    };
-    m_sourceWidth = combo(IDC_SOURCE_WIDTH, tr("&Source width (bits):"));
-    m_destWidth = combo(IDC_DEST_WIDTH, tr("&Lane width (bits):"));
-    m_first = edit(IDC_FIRST, tr("&First address (hex):"));
-    m_last = edit(IDC_LAST, tr("Las&t address (hex):"));
-    auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    connect(buttons, &QDialogButtonBox::accepted, this, &KCSplitBuffer::OnOK);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addWidget(buttons);
+    Form form(this);
+    m_sourceWidth = form.addList(IDC_SOURCE_WIDTH, tr("&Source width (bits):"));
+    m_destWidth = form.addList(IDC_DEST_WIDTH, tr("&Lane width (bits):"));
+    m_first = form.addAddress(IDC_FIRST, tr("&First address (hex):"), m_model.maxAddress());
+    m_last = form.addAddress(IDC_LAST, tr("Las&t address (hex):"), m_model.maxAddress());
+    connect(form.finish(), &QDialogButtonBox::accepted, this, &KCSplitBuffer::OnOK);
 
-    for (uint32_t w : KCSplitBufferModel::SourceWidths())
-        m_sourceWidth->addItem(QString::asprintf("%d", int(w)), w);
-    m_sourceWidth->setCurrentIndex(0);
+    Form::setWidths(m_sourceWidth, KCSplitBufferModel::SourceWidths());
     refillDestWidths();
     m_first->setValue(m_model.first());
     m_last->setValue(m_model.last());
@@ -73,18 +44,12 @@ KCSplitBuffer::KCSplitBuffer(QMdiArea *frame, std::function<KCDataDoc *()> newDo
 
 QWidget *KCSplitBuffer::control(int id) const
 {
-    for (QWidget *w : std::initializer_list<QWidget *>{m_sourceWidth, m_destWidth, m_first, m_last})
-        if (w->property(ControlIdProperty).toInt() == id)
-            return w;
-    return nullptr;
+    return Form::find({m_sourceWidth, m_destWidth, m_first, m_last}, id);
 }
 
 void KCSplitBuffer::refillDestWidths()
 {
-    m_destWidth->clear();
-    for (uint32_t w : KCSplitBufferModel::DestWidths(selectedWidth(m_sourceWidth)))
-        m_destWidth->addItem(QString::asprintf("%d", int(w)), w);
-    m_destWidth->setCurrentIndex(m_destWidth->count() ? 0 : -1);
+    Form::setWidths(m_destWidth, KCSplitBufferModel::DestWidths(Form::selectedWidth(m_sourceWidth)));
 }
 
 int KCSplitBuffer::exec()
@@ -102,7 +67,7 @@ void KCSplitBuffer::OnOK()
     if (!m_first->value(first) || !m_last->value(last))
         return;
     // Done or stopped at a failure, the documents made stay open and the dialog closes.
-    if (m_model.apply(first, last, selectedWidth(m_sourceWidth), selectedWidth(m_destWidth))
+    if (m_model.apply(first, last, Form::selectedWidth(m_sourceWidth), Form::selectedWidth(m_destWidth))
         != KCSplitBufferModel::Refused)
         accept();
 }
