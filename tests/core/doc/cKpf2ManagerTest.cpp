@@ -5,6 +5,7 @@
 #include "doc/cKpf2Manager.h"
 #include "doc/cKpf2ReadShadowData.h"
 #include "fileio/cKrlCrc16.h"
+#include "serial/cKrlSerialNumberHandler.h"
 #include "KCTempDir.h"
 #include "KCTestHost.h"
 
@@ -38,6 +39,17 @@ std::string readAll(const std::string &path)
     return s.str();
 }
 
+// What a view item keeps in a file: everything but its run-time links.
+std::vector<std::string> savedItems(const KCDataDoc &doc)
+{
+    std::vector<std::string> items;
+    for (const TAG_DATADOC_VIEWITEM &i : doc.viewItems())
+        items.push_back(std::to_string(i.kind) + "|" + std::to_string(i.number) + "|" + std::to_string(i.flags) + "|"
+                        + i.text1 + "|" + i.text2 + "|" + i.text3 + "|" + std::to_string(i.extra1) + "|"
+                        + std::to_string(i.extra2));
+    return items;
+}
+
 bool anyMessage(const KCTestHost &host, const std::string &part)
 {
     for (const auto &m : host.messages)
@@ -67,6 +79,33 @@ struct ProjectFiles : testing::Test
         doc.setSaveRange(KCAddressRange{0x10, 0x7F});
         host.SetCounts(5, 2);
         host.SetTargetCount(500);
+        doc.viewItems()[0].text2 = "Läuft \"A\"";
+        doc.viewItems()[0].extra1 = -7;
+        TAG_DATADOC_VIEWITEM counter;
+        counter.kind = VIEWITEM_KIND_COUNTER;
+        counter.text1 = "Counter";
+        counter.flags = 0x40000000;
+        doc.viewItems().push_back(counter);
+        doc.setWindowPlacement({-20, 15, 640, 480, PLACEMENT_MAXIMIZED});
+        // Bytes that are not UTF-8 and CR LF line ends travel as they are.
+        writeFile(dir.file("rows.csv"), "#var,SERIAL,0x100,8,asc\r\nUSED,SERIAL\r\n,SN\xE9" "00001\r\n");
+        std::string error;
+        ASSERT_TRUE(doc.setCSVSerialProjectFile(dir.file("rows.csv"), error)) << error;
+    }
+
+    // The workspace and the counts came back as `doc` had them.
+    void expectSameWorkspace(KCDataDoc &back, const KCDataDoc &doc)
+    {
+        ASSERT_EQ(savedItems(back), savedItems(doc));
+        // The items are linked to the opening document's own buffer.
+        EXPECT_EQ(back.viewItems()[0].bufferParam, back.mainBufferParam());
+        EXPECT_EQ(static_cast<unsigned long>(back.viewItems()[0].bufferId), back.AlgoParam().bufferId());
+        EXPECT_EQ(back.viewItems()[1].bufferParam, nullptr);
+        EXPECT_EQ(back.windowPlacement(), doc.windowPlacement());
+        EXPECT_EQ(back.csvSerialData(), doc.csvSerialData());
+        EXPECT_EQ(host.GetPassCount(), 5);
+        EXPECT_EQ(host.GetFailCount(), 2);
+        EXPECT_EQ(host.GetTargetCount(), 500);
     }
 
     std::unique_ptr<KCDataDoc> open(const std::string &path, LOADSAVE_FILETYPE type = LS_KPF2)
@@ -109,9 +148,7 @@ TEST_F(ProjectFiles, AProjectComesBackAsItWasSaved)
     EXPECT_EQ(back->serialFlags(), 0x21u);
     EXPECT_EQ(back->serialDefPath(), "/tmp/line1.ser");
     EXPECT_EQ(back->explicitSaveRange(), (std::optional<KCAddressRange>{{0x10, 0x7F}}));
-    EXPECT_EQ(host.GetPassCount(), 5);
-    EXPECT_EQ(host.GetFailCount(), 2);
-    EXPECT_EQ(host.GetTargetCount(), 500);
+    expectSameWorkspace(*back, doc);
     EXPECT_EQ(back->GetKPFFileFlag(), LS_KPF2);
     EXPECT_FALSE(back->IsModified());
 
@@ -131,7 +168,10 @@ TEST_F(ProjectFiles, AHandlerJobKeepsItsActionAndBoxAndItsChecksumIsTheFiles)
     const std::string text = readAll(path);
     EXPECT_EQ(cKrlCrc16().computeFile(path), cKrlCrc16().compute(reinterpret_cast<const uint8_t *>(text.data()), text.size()));
 
+    host.SetCounts(-1, -1);
+    host.SetTargetCount(0);
     auto back = open(path, LS_HANDLERJOB);
+    expectSameWorkspace(*back, doc);
     EXPECT_EQ(back->GetKPFFileFlag(), LS_HANDLERJOB);
     EXPECT_EQ(back->AlgoParam().action(), "Verify");
     EXPECT_EQ(back->kpfShadowData().optionBox, 1);
@@ -183,6 +223,75 @@ TEST_F(ProjectFiles, AProjectNamingADataFileLoadsItWhenOpened)
     EXPECT_EQ(back->GetData(0x13), 0x44);
 }
 
+TEST_F(ProjectFiles, AVersion1ProjectStillOpensWithTheDevicesOwnTreeAndWindow)
+{
+    KCDataDoc doc;
+    makeProject(doc);
+    // Version 1 had no tree items, no window placement and no CSV serial project.
+    std::string text = cKpf2Manager(doc, "x").text(0, 0);
+    text = text.substr(0, text.find(",\n \"viewItems\"")) + "\n}\n";
+    const size_t csv = text.find("\n \"csvSerial\"");
+    text.erase(csv, text.find("\n \"dataFile\"") - csv);
+    text.replace(text.find("\"version\": 2"), 12, "\"version\": 1");
+    const std::string path = dir.file("v1.kpf2");
+    writeFile(path, text);
+
+    auto back = open(path);
+    ASSERT_EQ(back->GetKPFFileFlag(), LS_KPF2) << host.messages.back();
+    EXPECT_EQ(back->GetData(0x1FF), 0xAB);
+    ASSERT_EQ(back->viewItems().size(), 1u);
+    EXPECT_EQ(back->viewItems()[0].text2, "");
+    EXPECT_FALSE(back->windowPlacement());
+    EXPECT_TRUE(back->csvSerialData().empty());
+    // Saved again, it is a current project.
+    const std::string again = dir.file("v2.kpf2");
+    ASSERT_TRUE(back->OnSaveDocument(again.c_str()));
+    EXPECT_NE(readAll(again).find("\"version\": 2"), std::string::npos);
+}
+
+TEST_F(ProjectFiles, ASerialProjectPathTooLongForTheHostIsNotTakenOver)
+{
+    KCDataDoc doc;
+    makeProject(doc);
+    for (const size_t length : {cKpf2Manager::MaxSerialProjectPath, cKpf2Manager::MaxSerialProjectPath + 1}) {
+        cCSVSerialDataContent csv("/" + std::string(length - 1, 'c'), "USED,SERIAL\n");
+        ASSERT_TRUE(doc.prepareCSVSerialDataProject(csv));
+        const std::string path = dir.file("long" + std::to_string(length) + ".kpf2");
+        doc.SetKPFFileFlag(LS_KPF2);
+        ASSERT_TRUE(doc.OnSaveDocument(path.c_str()));
+
+        host.messages.clear();
+        auto back = open(path);
+        const bool tooLong = length > cKpf2Manager::MaxSerialProjectPath;
+        EXPECT_EQ(anyMessage(host, "Path of serial project file is too long."), tooLong) << length;
+        EXPECT_EQ(back->csvSerialData(), tooLong ? cCSVSerialDataContent() : csv) << length;
+        // The rest of the project is there either way.
+        EXPECT_TRUE(anyMessage(host, "Project Data setting up successful."));
+        EXPECT_EQ(back->GetData(0x1FF), 0xAB);
+    }
+}
+
+TEST_F(ProjectFiles, TheDocumentsCSVHandlerIsTheProjectsAndARunningOneStays)
+{
+    KCDataDoc doc;
+    makeProject(doc);
+    cKrlSerialNumberHandler &handler = doc.getKrlSerialNumberHandler();
+    EXPECT_TRUE(handler.readCSVSerialNumberFile()) << handler.getErrors();
+    EXPECT_EQ(handler.freeRows(), 1u);
+
+    // While a run takes rows, another file does not replace the handler.
+    handler.setInUse(true);
+    writeFile(dir.file("other.csv"), "USED,SERIAL\n");
+    std::string error;
+    EXPECT_FALSE(doc.setCSVSerialProjectFile(dir.file("other.csv"), error));
+    EXPECT_EQ(&doc.getKrlSerialNumberHandler(), &handler);
+    EXPECT_EQ(doc.csvSerialData().path(), dir.file("rows.csv"));
+    handler.setInUse(false);
+    EXPECT_FALSE(doc.setCSVSerialProjectFile(dir.file("missing.csv"), error));
+    EXPECT_NE(error.find(dir.file("missing.csv")), std::string::npos) << error;
+    EXPECT_EQ(doc.csvSerialData().path(), dir.file("rows.csv"));
+}
+
 TEST_F(ProjectFiles, NoDeviceNoProjectAndTheOldFileStays)
 {
     KCDataDoc doc;
@@ -211,7 +320,7 @@ TEST_F(ProjectFiles, DamagedProjectsAreRefusedWithTheirLine)
         const char *expected;
     };
     const std::vector<Case> cases = {
-        {"unknown version", "\"version\": 1", "\"version\": 2", "\"version\"", "version 2 is not known"},
+        {"unknown version", "\"version\": 2", "\"version\": 3", "\"version\"", "version 3 is not known"},
         {"missing field", "\"byteCount\"", "\"byteCnt\"", "\"serial\"", "\"byteCount\" is missing"},
         {"bad hex", "\"01020304\"", "\"010203G4\"", "\"01020304\"", "not a hexadecimal byte"},
         {"checksum", "\"01020304\"", "\"01020305\"", "\"byteSum\"", "do not match its checksum"},
@@ -241,7 +350,7 @@ TEST_F(ProjectFiles, DamagedProjectsAreRefusedWithTheirLine)
     doc.SetData(0x77, 3);
     const std::string path = dir.file("bad.kpf2");
     std::string text = good;
-    text.replace(text.find("\"version\": 1"), 12, "\"version\": 9");
+    text.replace(text.find("\"version\": 2"), 12, "\"version\": 9");
     writeFile(path, text);
     EXPECT_FALSE(doc.OnOpenDocument(path.c_str()));
     doc.PostOpenLoadFile();
