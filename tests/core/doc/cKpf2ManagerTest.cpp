@@ -1,13 +1,11 @@
-// Projects and handler jobs: what is written comes back the same, and a damaged file is
-// refused with its line while the open document keeps everything.
-#include "doc/KCDataDoc.h"
-#include "doc/KCLayoutNames.h"
+// Projects and handler jobs: what is written comes back the same. Damaged files are the
+// malformed-project suite's.
 #include "doc/cKpf2Manager.h"
 #include "doc/cKpf2ReadShadowData.h"
 #include "fileio/cKrlCrc16.h"
 #include "serial/cKrlSerialNumberHandler.h"
-#include "KCTempDir.h"
 #include "KCTestHost.h"
+#include "KCTestProject.h"
 
 #include <gtest/gtest.h>
 
@@ -17,37 +15,12 @@
 
 namespace {
 
-DEVICE_KRLXDEF_ITEM testDevice()
-{
-    DEVICE_KRLXDEF_ITEM d;
-    d.name = "TEST27C020";
-    d.vendor = "Test";
-    d.bufferSize = 0x200;
-    d.BEA = d.DEA = d.DMA = 0x1FF;
-    d.layout = LAYOUT_BYTEVIEW;
-    d.defaultFileType = "intel";
-    d.numericKeys = {{"PGMFW", 7}};
-    d.textKeys = {{"ALGO", "fast"}};
-    return d;
-}
-
 std::string readAll(const std::string &path)
 {
     std::ifstream in(path, std::ios::binary);
     std::ostringstream s;
     s << in.rdbuf();
     return s.str();
-}
-
-// What a view item keeps in a file: everything but its run-time links.
-std::vector<std::string> savedItems(const KCDataDoc &doc)
-{
-    std::vector<std::string> items;
-    for (const TAG_DATADOC_VIEWITEM &i : doc.viewItems())
-        items.push_back(std::to_string(i.kind) + "|" + std::to_string(i.number) + "|" + std::to_string(i.flags) + "|"
-                        + i.text1 + "|" + i.text2 + "|" + i.text3 + "|" + std::to_string(i.extra1) + "|"
-                        + std::to_string(i.extra2));
-    return items;
 }
 
 bool anyMessage(const KCTestHost &host, const std::string &part)
@@ -63,40 +36,12 @@ struct ProjectFiles : testing::Test
     KCTestHost host;
     TempDir dir;
 
-    // A document as a production project has it: device, edited record, data, serial settings.
-    void makeProject(KCDataDoc &doc)
-    {
-        ASSERT_TRUE(doc.selectDevice(testDevice()));
-        doc.AlgoParam().algoUiData().optionFields[3] = 0x5A;
-        const uint8_t bytes[] = {1, 2, 3, 4};
-        doc.defineNothing();
-        doc.WriteRange(0x10, bytes, 4);
-        doc.SetData(0xAB, 0x1FF);
-        doc.setSerialAddress(0x40);
-        doc.setSerialByteCount(4);
-        doc.setSerialFlags(0x21);
-        doc.setSerialDefPath("/tmp/line1.ser");
-        doc.setSaveRange(KCAddressRange{0x10, 0x7F});
-        host.SetCounts(5, 2);
-        host.SetTargetCount(500);
-        doc.viewItems()[0].text2 = "Läuft \"A\"";
-        doc.viewItems()[0].extra1 = -7;
-        TAG_DATADOC_VIEWITEM counter;
-        counter.kind = VIEWITEM_KIND_COUNTER;
-        counter.text1 = "Counter";
-        counter.flags = 0x40000000;
-        doc.viewItems().push_back(counter);
-        doc.setWindowPlacement({-20, 15, 640, 480, PLACEMENT_MAXIMIZED});
-        // Bytes that are not UTF-8 and CR LF line ends travel as they are.
-        writeFile(dir.file("rows.csv"), "#var,SERIAL,0x100,8,asc\r\nUSED,SERIAL\r\n,SN\xE9" "00001\r\n");
-        std::string error;
-        ASSERT_TRUE(doc.setCSVSerialProjectFile(dir.file("rows.csv"), error)) << error;
-    }
+    void makeProject(KCDataDoc &doc) { makeTestProject(doc, host, dir.file("rows.csv")); }
 
     // The workspace and the counts came back as `doc` had them.
     void expectSameWorkspace(KCDataDoc &back, const KCDataDoc &doc)
     {
-        ASSERT_EQ(savedItems(back), savedItems(doc));
+        ASSERT_EQ(savedViewItems(back), savedViewItems(doc));
         // The items are linked to the opening document's own buffer.
         EXPECT_EQ(back.viewItems()[0].bufferParam, back.mainBufferParam());
         EXPECT_EQ(static_cast<unsigned long>(back.viewItems()[0].bufferId), back.AlgoParam().bufferId());
@@ -134,7 +79,7 @@ TEST_F(ProjectFiles, AProjectComesBackAsItWasSaved)
     auto back = open(path);
     EXPECT_TRUE(anyMessage(host, "Reading " + path + " OK"));
     EXPECT_TRUE(anyMessage(host, "Project Data setting up successful."));
-    EXPECT_EQ(back->GetDeviceItemX(), testDevice());
+    EXPECT_EQ(back->GetDeviceItemX(), testProjectDevice());
     EXPECT_EQ(std::memcmp(&back->AlgoParam().algoUiData(), &doc.AlgoParam().algoUiData(),
                           sizeof(TAG_UI_ALGODATA_KRL3)),
               0);
@@ -301,61 +246,4 @@ TEST_F(ProjectFiles, NoDeviceNoProjectAndTheOldFileStays)
     EXPECT_FALSE(doc.OnSaveDocument(path.c_str()));
     EXPECT_TRUE(anyMessage(host, "\xA7WWNo Device Selected."));
     EXPECT_EQ(readAll(path), "old contents");
-}
-
-TEST_F(ProjectFiles, DamagedProjectsAreRefusedWithTheirLine)
-{
-    KCDataDoc source;
-    makeProject(source);
-    const std::string good = cKpf2Manager(source, "x").text(0, 0);
-    const auto lineOf = [&](const std::string &needle) {
-        const size_t at = good.find(needle);
-        return 1 + std::count(good.begin(), good.begin() + at, '\n');
-    };
-    struct Case
-    {
-        const char *what;
-        std::string from, to;
-        std::string lineNeedle;
-        const char *expected;
-    };
-    const std::vector<Case> cases = {
-        {"unknown version", "\"version\": 2", "\"version\": 3", "\"version\"", "version 3 is not known"},
-        {"missing field", "\"byteCount\"", "\"byteCnt\"", "\"serial\"", "\"byteCount\" is missing"},
-        {"bad hex", "\"01020304\"", "\"010203G4\"", "\"01020304\"", "not a hexadecimal byte"},
-        {"checksum", "\"01020304\"", "\"01020305\"", "\"byteSum\"", "do not match its checksum"},
-        {"range past the buffer", "\"first\": 16", "\"first\": 510", "\"first\": 16", "beyond the buffer"},
-        {"number overflow", "\"byteCount\": 4", "\"byteCount\": 1e999", "\"byteCount\"", "number overflow"},
-        {"syntax", "\"kind\": \"project\",", "\"kind\": \"project\"", "\"kind\": \"project\"", "not a project file"},
-    };
-    for (const Case &c : cases) {
-        std::string text = good;
-        const size_t at = text.find(c.from);
-        ASSERT_NE(at, std::string::npos) << c.what;
-        text.replace(at, c.from.size(), c.to);
-        cKpf2ReadShadowData shadow;
-        std::string error;
-        EXPECT_EQ(cKpf2Manager::parse(text, "p.kpf2", shadow, error), 0) << c.what;
-        const long line = lineOf(c.lineNeedle);
-        EXPECT_NE(error.find(c.expected), std::string::npos) << c.what << ": " << error;
-        // A syntax error is found where the parser stops: the line after the missing comma.
-        const long reported = std::stol(error.substr(error.find(':') + 1));
-        EXPECT_TRUE(reported == line || (std::string(c.what) == "syntax" && reported == line + 1))
-            << c.what << ": " << error << " (expected line " << line << ")";
-    }
-
-    // Opened over a document with data, a damaged project leaves the data where it was.
-    KCDataDoc doc;
-    doc.mainBufferParam()->fileType = LS_KPF2;
-    doc.SetData(0x77, 3);
-    const std::string path = dir.file("bad.kpf2");
-    std::string text = good;
-    text.replace(text.find("\"version\": 2"), 12, "\"version\": 9");
-    writeFile(path, text);
-    EXPECT_FALSE(doc.OnOpenDocument(path.c_str()));
-    doc.PostOpenLoadFile();
-    EXPECT_EQ(doc.GetData(3), 0x77);
-    EXPECT_EQ(doc.GetKPFFileFlag(), 0);
-    EXPECT_TRUE(anyMessage(host, "\xA7" "EWFailed to read file: " + path));
-    EXPECT_TRUE(anyMessage(host, path + ":"));
 }
