@@ -30,6 +30,7 @@ constexpr uint64_t MaxBufferBytes = uint64_t(1) << 32;
 // The workspace-tree items, the window placement and the CSV serial project came with
 // version 2; a version 1 file keeps the device's own items and the host's placement.
 constexpr int WorkspaceVersion = 2;
+// In the order of the PLACEMENT_ values.
 const char *const PlacementStates[] = {"normal", "minimized", "maximized"};
 constexpr int PlacementStateCount = int(sizeof PlacementStates / sizeof *PlacementStates);
 
@@ -436,7 +437,8 @@ std::vector<TAG_DATADOC_VIEWITEM> readViewItems(const Reader &r, const json &roo
 
 json placementJson(const std::optional<TAG_WINDOW_PLACEMENT> &p)
 {
-    if (!p)
+    // A window without a size is nowhere to go back to.
+    if (!p || p->width < 1 || p->height < 1)
         return nullptr;
     const int state = p->showState >= 0 && p->showState < PlacementStateCount ? p->showState : PLACEMENT_NORMAL;
     return json{{"x", p->x}, {"y", p->y}, {"width", p->width}, {"height", p->height}, {"state", PlacementStates[state]}};
