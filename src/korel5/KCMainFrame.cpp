@@ -733,6 +733,14 @@ void KCMainFrame::documentUpdated(long hint)
 {
     if (!m_doc)
         return;
+    if (hint == DOCHINT_PLACEMENT) {
+        const auto &items = m_doc->viewItems();
+        auto *view = items.empty() ? nullptr : dynamic_cast<KCDataView *>(items.front().view);
+        auto *child = view ? qobject_cast<KCChildFrame *>(view->parentWidget()) : nullptr;
+        if (child && m_doc->windowPlacement())
+            child->applyPlacement(*m_doc->windowPlacement());
+        return;
+    }
     m_status->setModified(m_doc->IsModified());
     updateMarkSum(currentView());
     updateUndoActions();

@@ -2,6 +2,8 @@
 
 // One suite for every reader: each malformed sample must fail the load with an error that
 // names the file and the line of the fault. A format joins by one line in formatSamples().
+// Projects and handler jobs are read by the document, above this library: their samples are
+// in tests/core/doc/KCMalformedProjectSamples.inc.
 using namespace KCFormatTest;
 
 namespace {

@@ -7,6 +7,7 @@
 #include "host/KCMainProgDataExChange.h"
 #include "host/KCFormat.h"
 #include "doc/cBufferSum.h"
+#include "serial/cKrlSerialNumberHandler.h"
 
 #include <algorithm>
 
@@ -84,6 +85,7 @@ KCDataDoc::KCDataDoc() : m_host(g_pMainProgDataExChange), m_serial(g_pMainProgDa
     defineWholeBuffer();
     m_selectDeviceCtrl = std::make_unique<KCSelectDeviceNoneCtrl>(this);
     m_kpfShadow = std::make_unique<cKpf2ReadShadowData>();
+    m_csvHandler = std::make_unique<cKrlSerialNumberHandler>(std::string(), cKrlSerialNumberHandler::ModeLenient);
 }
 
 KCDataDoc::~KCDataDoc() = default;

@@ -5,11 +5,13 @@
 #include "doc/KCDataMap.h"
 #include "doc/KCDocBase.h"
 #include "serial/KCSerialState.h"
+#include "serial/cCSVSerialDataContent.h"
 #include "serial/KCSerialTarget.h"
 #include "doc/KCUndoHistory.h"
 #include "fileio/KCFileTypes.h"
 #include "doc/TAG_BUFFER_PARAM.h"
 #include "doc/TAG_DATADOC_VIEWITEM.h"
+#include "doc/TAG_WINDOW_PLACEMENT.h"
 #include "doc/cAlgoParam.h"
 
 #include <cstdint>
@@ -23,6 +25,7 @@ class KCArchive;
 class cKpf2ReadShadowData;
 class KCSelectDeviceCtrlBase;
 class KCSerialDefCtrl;
+class cKrlSerialNumberHandler;
 struct KCFileDialogRequest;
 class KCMainProgDataExChange;
 
@@ -32,6 +35,7 @@ enum : long {
     DOCHINT_MODIFIED_FLAG = 1, // only the modified state changed
     DOCHINT_DATA = 2,          // buffer bytes changed
     DOCHINT_DEVICE = 3,        // a device was selected or deselected: layouts follow it
+    DOCHINT_PLACEMENT = 4,     // an opened project's window placement is to be applied
 };
 
 // The programmer-buffer document: owns the device's buffers (through cAlgoParam), the
@@ -132,6 +136,17 @@ public:
     const std::string &serialDefPath() const { return m_serial.defPath(); }
     void setSerialDefPath(const std::string &path) { m_serial.setDefPath(path); }
 
+    // The CSV serial project: the variables file a production run takes its rows from, with
+    // its content as a project carries it. The document owns the handler of that file.
+    cKrlSerialNumberHandler &getKrlSerialNumberHandler() { return *m_csvHandler; }
+    const cCSVSerialDataContent &csvSerialData() const { return m_csvSerial; }
+    // Makes `content` the document's CSV serial project with a new handler for its file. False,
+    // and nothing changed, while a run takes rows from the current handler.
+    bool prepareCSVSerialDataProject(cCSVSerialDataContent &content);
+    // Reads the CSV file at `path` whole and makes it the project's; false, with `error`
+    // naming the file, when it cannot be read or a run is using the current handler.
+    bool setCSVSerialProjectFile(const std::string &path, std::string &error);
+
     // Writer settings (record length, line ends, header) and what the last load found.
     KCSaveOptions &saveOptions() { return m_saveOptions; }
     const KCLoadResult &lastLoadResult() const { return m_lastLoad; }
@@ -224,6 +239,9 @@ public:
     std::vector<TAG_DATADOC_VIEWITEM> &viewItems() { return m_viewItems; }
     const std::vector<TAG_DATADOC_VIEWITEM> &viewItems() const { return m_viewItems; }
     TAG_BUFFER_PARAM *mainBufferParam() { return m_bufferParams.front().get(); }
+    // Where the document's window stands: the host keeps it current, a project carries it.
+    const std::optional<TAG_WINDOW_PLACEMENT> &windowPlacement() const { return m_placement; }
+    void setWindowPlacement(const TAG_WINDOW_PLACEMENT &placement) { m_placement = placement; }
     // The current tab of the document's window, -1 without one.
     int TF_GetSelectIndex() const { return m_selectIndex; }
     void TF_SetSelectIndex(int index) { m_selectIndex = index; }
@@ -284,6 +302,7 @@ private:
     int m_reserved = 0;
     int m_loadOk = 0;
     std::vector<TAG_DATADOC_VIEWITEM> m_viewItems;
+    std::optional<TAG_WINDOW_PLACEMENT> m_placement;
     std::vector<std::unique_ptr<TAG_BUFFER_PARAM>> m_bufferParams;
     std::unique_ptr<KCSelectDeviceCtrlBase> m_selectDeviceCtrl;
     DEVICE_KRLXDEF_ITEM m_deviceItem;
@@ -293,6 +312,8 @@ private:
     int m_selectIndex = -1;
     KCSaveOptions m_saveOptions;
     KCSerialState m_serial;
+    std::unique_ptr<cKrlSerialNumberHandler> m_csvHandler;
+    cCSVSerialDataContent m_csvSerial;
 
     KCLoadResult m_lastLoad;
     KCDataMap m_dataMap;

@@ -478,9 +478,26 @@ void KCDataDoc::PostOpenLoadFile()
     m_host->SetCounts(shadow.passCount, shadow.failCount);
     m_host->SetTargetCount(shadow.targetCount);
     m_algoParam->setAction(shadow.action);
+    if (!shadow.viewItems.empty()) {
+        // The links to this session's buffer and windows stay; the rest is the project's.
+        const int bufferId = TF_GetMainBufferId();
+        std::vector<TAG_DATADOC_VIEWITEM> items = shadow.viewItems;
+        for (size_t i = 0; i < items.size(); ++i) {
+            items[i].bufferId = bufferId;
+            items[i].bufferParam = items[i].kind == VIEWITEM_KIND_BUFFERVIEW ? param : nullptr;
+            items[i].view = i < m_viewItems.size() ? m_viewItems[i].view : nullptr;
+        }
+        m_viewItems = std::move(items);
+    }
+    if (shadow.placement)
+        m_placement = shadow.placement;
+    if (shadow.csvSerial)
+        cKpf2Manager(*this, GetPathName()).takeOverCSVSerialData(*shadow.csvSerial);
     ComputeCheckSum(-1);
     SetModifiedFlag(0);
     UpdateAllViews(nullptr, DOCHINT_ALL);
+    if (shadow.placement)
+        UpdateAllViews(nullptr, DOCHINT_PLACEMENT);
     m_host->ShowMessage("Project Data setting up successful.");
 }
 

@@ -4,11 +4,13 @@
 #include "doc/cKpf2ReadShadowData.h"
 #include "fileio/KCSaveFile.h"
 #include "host/KCMainProgDataExChange.h"
+#include "host/KCMessageMarks.h"
 
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -24,6 +26,13 @@ namespace {
 constexpr size_t HexLineBytes = 32;
 // A project's buffers are held in memory whole; this bounds what a file can ask for.
 constexpr uint64_t MaxBufferBytes = uint64_t(1) << 32;
+
+// The workspace-tree items, the window placement and the CSV serial project came with
+// version 2; a version 1 file keeps the device's own items and the host's placement.
+constexpr int WorkspaceVersion = 2;
+// In the order of the PLACEMENT_ values.
+const char *const PlacementStates[] = {"normal", "minimized", "maximized"};
+constexpr int PlacementStateCount = int(sizeof PlacementStates / sizeof *PlacementStates);
 
 const char *const KindProject = "project";
 const char *const KindHandlerJob = "handler job";
@@ -207,12 +216,16 @@ public:
                                                 + std::to_string(max)};
         return v.get<uint64_t>();
     }
-    int64_t signedNumber(const json &obj, const std::string &at, const char *key) const
+    // A whole number in [min, max]; an unsigned one too large for int64 is refused, not wrapped.
+    int int32(const json &obj, const std::string &at, const char *key, int64_t min, int64_t max) const
     {
         const json &v = field(obj, at, key);
-        if (!v.is_number_integer())
-            throw ReadError{at + "/" + key, std::string("\"") + key + "\" must be a whole number"};
-        return v.get<int64_t>();
+        const bool ok = v.is_number_integer() && (!v.is_number_unsigned() || v.get<uint64_t>() <= uint64_t(max))
+                        && v.get<int64_t>() >= min && v.get<int64_t>() <= max;
+        if (!ok)
+            throw ReadError{at + "/" + key, std::string("\"") + key + "\" must be a whole number from "
+                                                + std::to_string(min) + " to " + std::to_string(max)};
+        return int(v.get<int64_t>());
     }
     std::string text(const json &obj, const std::string &at, const char *key) const
     {
@@ -372,6 +385,106 @@ void readRange(const Reader &r, const json &obj, const std::string &at, const ch
     fromDevice = int(r.number(v, here, "fromDevice", 1));
 }
 
+json viewItemsJson(const std::vector<TAG_DATADOC_VIEWITEM> &items)
+{
+    // The run-time links (buffer id, buffer parameters, window) are the session's, not the file's.
+    json list = json::array();
+    for (const TAG_DATADOC_VIEWITEM &i : items)
+        list.push_back({{"kind", i.kind},
+                        {"number", i.number},
+                        {"flags", i.flags},
+                        {"text1", i.text1},
+                        {"text2", i.text2},
+                        {"text3", i.text3},
+                        {"extra1", i.extra1},
+                        {"extra2", i.extra2}});
+    return list;
+}
+
+std::vector<TAG_DATADOC_VIEWITEM> readViewItems(const Reader &r, const json &root)
+{
+    const json &list = r.field(root, "", "viewItems");
+    if (!list.is_array() || list.empty())
+        throw ReadError{"/viewItems", "a project holds a list of at least one view item"};
+    std::vector<TAG_DATADOC_VIEWITEM> items;
+    for (size_t i = 0; i < list.size(); ++i) {
+        const std::string at = "/viewItems/" + std::to_string(i);
+        TAG_DATADOC_VIEWITEM item;
+        item.kind = r.int32(list[i], at, "kind", 0, INT32_MAX);
+        switch (item.kind) {
+        case VIEWITEM_KIND_MAIN:
+        case VIEWITEM_KIND_BUFFERVIEW:
+        case VIEWITEM_KIND_DEVICEHELP:
+        case VIEWITEM_KIND_HANDLER:
+        case VIEWITEM_KIND_COUNTER: break;
+        default: throw ReadError{at + "/kind", "no view item has the kind " + std::to_string(item.kind)};
+        }
+        // The selected view falls back to the first item, which must therefore show the buffer.
+        if (i == 0 && item.kind != VIEWITEM_KIND_BUFFERVIEW)
+            throw ReadError{at + "/kind", "the first view item is the buffer's view, of kind "
+                                              + std::to_string(VIEWITEM_KIND_BUFFERVIEW)};
+        item.number = r.int32(list[i], at, "number", INT32_MIN, INT32_MAX);
+        item.flags = r.int32(list[i], at, "flags", INT32_MIN, INT32_MAX);
+        item.text1 = r.text(list[i], at, "text1");
+        item.text2 = r.text(list[i], at, "text2");
+        item.text3 = r.text(list[i], at, "text3");
+        item.extra1 = r.int32(list[i], at, "extra1", INT32_MIN, INT32_MAX);
+        item.extra2 = r.int32(list[i], at, "extra2", INT32_MIN, INT32_MAX);
+        items.push_back(std::move(item));
+    }
+    return items;
+}
+
+json placementJson(const std::optional<TAG_WINDOW_PLACEMENT> &p)
+{
+    // A window without a size is nowhere to go back to.
+    if (!p || p->width < 1 || p->height < 1)
+        return nullptr;
+    const int state = p->showState >= 0 && p->showState < PlacementStateCount ? p->showState : PLACEMENT_NORMAL;
+    return json{{"x", p->x}, {"y", p->y}, {"width", p->width}, {"height", p->height}, {"state", PlacementStates[state]}};
+}
+
+std::optional<TAG_WINDOW_PLACEMENT> readPlacement(const Reader &r, const json &root)
+{
+    const json &v = r.field(root, "", "windowPlacement");
+    if (v.is_null())
+        return std::nullopt;
+    const std::string at = "/windowPlacement";
+    TAG_WINDOW_PLACEMENT p;
+    p.x = r.int32(v, at, "x", INT32_MIN, INT32_MAX);
+    p.y = r.int32(v, at, "y", INT32_MIN, INT32_MAX);
+    p.width = r.int32(v, at, "width", 1, INT32_MAX);
+    p.height = r.int32(v, at, "height", 1, INT32_MAX);
+    const std::string state = r.text(v, at, "state");
+    const auto known = std::find(std::begin(PlacementStates), std::end(PlacementStates), state);
+    if (known == std::end(PlacementStates))
+        throw ReadError{at + "/state", "the state \"" + state + "\" is none of \"normal\", \"minimized\" and \"maximized\""};
+    p.showState = int(known - std::begin(PlacementStates));
+    return p;
+}
+
+json csvSerialJson(const cCSVSerialDataContent &csv)
+{
+    if (csv.empty())
+        return nullptr;
+    // Hexadecimal like the buffers: the file's bytes need not be UTF-8.
+    const auto *bytes = reinterpret_cast<const uint8_t *>(csv.content().data());
+    return json{{"path", csv.path()}, {"content", hexLines(bytes, csv.content().size())}};
+}
+
+std::optional<cCSVSerialDataContent> readCSVSerial(const Reader &r, const json &root)
+{
+    const json &v = r.field(root, "", "csvSerial");
+    if (v.is_null())
+        return std::nullopt;
+    const std::string at = "/csvSerial";
+    std::string path = r.text(v, at, "path");
+    if (path.empty())
+        throw ReadError{at + "/path", "the CSV serial project names no file"};
+    const std::vector<uint8_t> bytes = r.hex(v, at, "content");
+    return cCSVSerialDataContent(std::move(path), std::string(bytes.begin(), bytes.end()));
+}
+
 } // namespace
 
 const char *cKpf2Manager::formatName()
@@ -437,6 +550,9 @@ std::string cKpf2Manager::text(int option, int flag) const
     root["counts"] = {{"pass", host ? host->GetPassCount() : -1},
                       {"fail", host ? host->GetFailCount() : -1},
                       {"target", host ? host->GetTargetCount() : 0}};
+    root["viewItems"] = viewItemsJson(doc.viewItems());
+    root["windowPlacement"] = placementJson(doc.windowPlacement());
+    root["csvSerial"] = csvSerialJson(doc.csvSerialData());
     if (job)
         root["handlerJob"] = {{"action", algo.action()}, {"optionBox", option ? 1 : 0}};
     return root.dump(1) + "\n";
@@ -465,6 +581,23 @@ int cKpf2Manager::write(int option, int flag)
     }
     if (!file.commit()) {
         m_error = file.errorText();
+        return 0;
+    }
+    return 1;
+}
+
+int cKpf2Manager::takeOverCSVSerialData(cCSVSerialDataContent &content)
+{
+    KCMainProgDataExChange *host = m_doc.host();
+    if (content.path().size() > MaxSerialProjectPath) {
+        if (host)
+            host->ShowMessage("Path of serial project file is too long.");
+        return 0;
+    }
+    if (!m_doc.prepareCSVSerialDataProject(content)) {
+        if (host)
+            host->ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Warning) + content.path()
+                              + " : a serial number run is using the document's CSV file; the project's is not taken");
         return 0;
     }
     return 1;
@@ -517,9 +650,12 @@ int cKpf2Manager::parse(const std::string &text, const std::string &name, cKpf2R
         if (r.text(root, "", "format") != formatName())
             throw ReadError{"/format", std::string("not a project file: the format is not \"") + formatName() + "\""};
         const json &version = r.field(root, "", "version");
-        if (!version.is_number_integer() || version.get<int64_t>() != FormatVersion)
-            throw ReadError{"/version", "version " + version.dump() + " is not known; this program reads version "
+        if (!version.is_number_integer() || version.get<int64_t>() < FirstFormatVersion
+            || version.get<int64_t>() > FormatVersion)
+            throw ReadError{"/version", "version " + version.dump() + " is not known; this program reads versions "
+                                            + std::to_string(FirstFormatVersion) + " to "
                                             + std::to_string(FormatVersion)};
+        shadow.version = version.get<int>();
         const std::string kind = r.text(root, "", "kind");
         if (kind != KindProject && kind != KindHandlerJob)
             throw ReadError{"/kind", "the kind \"" + kind + "\" is neither \"" + KindProject + "\" nor \""
@@ -597,14 +733,16 @@ int cKpf2Manager::parse(const std::string &text, const std::string &name, cKpf2R
         shadow.serialDefPath = r.text(serial, "/serial", "definitionFile");
 
         const json &counts = r.field(root, "", "counts");
-        const int64_t pass = r.signedNumber(counts, "/counts", "pass");
-        const int64_t fail = r.signedNumber(counts, "/counts", "fail");
-        const int64_t target = r.signedNumber(counts, "/counts", "target");
-        if (pass < -1 || pass > INT32_MAX || fail < -1 || fail > INT32_MAX || target < 0 || target > INT32_MAX)
-            throw ReadError{"/counts", "counts are -1 (not known) or from 0 to " + std::to_string(INT32_MAX)};
-        shadow.passCount = int(pass);
-        shadow.failCount = int(fail);
-        shadow.targetCount = int(target);
+        // -1 is "not known".
+        shadow.passCount = r.int32(counts, "/counts", "pass", -1, INT32_MAX);
+        shadow.failCount = r.int32(counts, "/counts", "fail", -1, INT32_MAX);
+        shadow.targetCount = r.int32(counts, "/counts", "target", 0, INT32_MAX);
+
+        if (shadow.version >= WorkspaceVersion) {
+            shadow.viewItems = readViewItems(r, root);
+            shadow.placement = readPlacement(r, root);
+            shadow.csvSerial = readCSVSerial(r, root);
+        }
 
         const auto job = root.find("handlerJob");
         if (shadow.kind == LS_HANDLERJOB) {

@@ -2,8 +2,11 @@
 
 #include "doc/DEVICE_KRLXDEF_ITEM.h"
 #include "doc/TAG_BUFFER_PARAM.h"
+#include "doc/TAG_DATADOC_VIEWITEM.h"
 #include "doc/TAG_UI_ALGODATA_KRL3.h"
+#include "doc/TAG_WINDOW_PLACEMENT.h"
 #include "fileio/KCFileTypes.h"
+#include "serial/cCSVSerialDataContent.h"
 
 #include <cstdint>
 #include <optional>
@@ -26,6 +29,7 @@ public:
 
     // LS_KPF2 for a project, LS_HANDLERJOB for a handler job.
     LOADSAVE_FILETYPE kind = LS_KPF2;
+    int version = 0;
     std::optional<DEVICE_KRLXDEF_ITEM> device;
     TAG_UI_ALGODATA_KRL3 record{};
     std::vector<Buffer> buffers;
@@ -44,6 +48,13 @@ public:
     int passCount = -1;
     int failCount = -1;
     int targetCount = 0;
+
+    // Since version 2. The workspace-tree items, without their run-time links (buffer id, buffer parameters,
+    // window); empty when the file predates them, so the device's own items stay.
+    std::vector<TAG_DATADOC_VIEWITEM> viewItems;
+    std::optional<TAG_WINDOW_PLACEMENT> placement;
+    // The CSV serial project, when the project has one.
+    std::optional<cCSVSerialDataContent> csvSerial;
 
     // A handler job's fixed action and the state of its option box.
     std::string action;

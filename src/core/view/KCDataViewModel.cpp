@@ -73,6 +73,9 @@ void KCDataViewModel::notify(unsigned changes)
 
 void KCDataViewModel::OnUpdate(KCDocView *, long hint)
 {
+    // Where the window stands is the host's business; the rows stay as they are.
+    if (hint == DOCHINT_PLACEMENT)
+        return;
     if (hint == DOCHINT_MODIFIED_FLAG) {
         // Saved: the buffer matches its file again.
         notify(KCDataViewListener::ChangedModified | KCDataViewListener::ChangedRows);

@@ -1,6 +1,7 @@
 list(APPEND KRLDV_CORE_TEST_SOURCES
   core/doc/KCDataDocTest.cpp
   core/doc/cKpf2ManagerTest.cpp
+  core/doc/KCMalformedProjectTest.cpp
   core/doc/KCDataDocSerialTest.cpp
   core/doc/KCSerialSettingsTest.cpp
   core/doc/KCAlgoKeysTest.cpp

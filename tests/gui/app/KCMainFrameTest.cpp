@@ -1,4 +1,5 @@
 #include "KCAppHost.h"
+#include "KCChildFrame.h"
 #include "KCFileDialog.h"
 #include "doc/KCDataDoc.h"
 #include "KCDataView.h"
@@ -310,4 +311,33 @@ TEST_F(MainFrame, SplitOpensLaneDocumentsBesideTheSource)
     EXPECT_TRUE(frame->closeDocument(false));
     EXPECT_EQ(frame->documentCount(), 1);
     frame.reset(); // the last lane's windows and document go with the frame
+}
+
+// A project keeps where its window stood: its normal place and size, and maximised.
+TEST_F(MainFrame, AProjectPutsItsWindowWhereItStood)
+{
+    ASSERT_TRUE(frame->openFile(DemoFile));
+    DEVICE_KRLXDEF_ITEM device;
+    device.name = "TEST27C512";
+    device.bufferSize = 0x10000;
+    device.BEA = device.DEA = device.DMA = 0xFFFF;
+    ASSERT_TRUE(frame->document()->selectDevice(device));
+    auto *child = qobject_cast<KCChildFrame *>(frame->currentView()->parentWidget());
+    ASSERT_NE(child, nullptr);
+    child->showNormal();
+    child->setGeometry(10, 20, 200, 150);
+    EXPECT_EQ(frame->document()->windowPlacement(), (TAG_WINDOW_PLACEMENT{10, 20, 200, 150, PLACEMENT_NORMAL}));
+    child->showMaximized();
+    EXPECT_EQ(frame->document()->windowPlacement(), (TAG_WINDOW_PLACEMENT{10, 20, 200, 150, PLACEMENT_MAXIMIZED}));
+    const std::string path = dir.filePath("window.kpf2").toStdString();
+    frame->document()->SetKPFFileFlag(LS_KPF2);
+    ASSERT_TRUE(frame->document()->OnSaveDocument(path.c_str()));
+    ASSERT_TRUE(frame->closeDocument(false));
+
+    ASSERT_TRUE(frame->openFile(QString::fromStdString(path)));
+    child = qobject_cast<KCChildFrame *>(frame->currentView()->parentWidget());
+    ASSERT_NE(child, nullptr);
+    EXPECT_TRUE(child->isMaximized());
+    child->showNormal();
+    EXPECT_EQ(child->geometry(), QRect(10, 20, 200, 150));
 }
