@@ -34,6 +34,11 @@ const char *KCSerialDispenser::policyName(Policy policy)
     return policy == Reuse ? ReuseName : DiscardName;
 }
 
+KCSerialDispenser::Policy KCSerialDispenser::policyOf(unsigned flags)
+{
+    return flags & KCSerialDefCtrl::FlagReuseFailed ? Reuse : Discard;
+}
+
 bool KCSerialDispenser::seriesNext(std::string *key, std::string *bytes, bool advance)
 {
     const TAG_SERIAL_NUMBER block = m_ctrl.GetSerialBlock(m_block);

@@ -86,6 +86,9 @@ TEST_F(ProductionRun, FaultsAreFailsAndDiscardUsesTheirNumbersUp)
     EXPECT_EQ(passed + failed, Quantity);
     EXPECT_GT(failed, 0u);
     EXPECT_EQ(nextInFile(), FirstNumber + Quantity);
+    // The document's counters, which its project keeps, count the same devices.
+    EXPECT_EQ(host.GetPassCount(), int(passed));
+    EXPECT_EQ(host.GetFailCount(), int(failed));
     const cSerialJournalAudit audit(journal());
     EXPECT_EQ(audit.passed(), passed);
     EXPECT_EQ(audit.failed(), failed);
