@@ -1,6 +1,7 @@
 #include "KCCliCsvCommand.h"
 
 #include "KCCliArgs.h"
+#include "KCCliSerialOptions.h"
 #include "KCCliDeviceOption.h"
 #include "doc/DEVICE_KRLXDEF_ITEM.h"
 #include "serial/cKrlSerialNumberHandler.h"
@@ -58,12 +59,6 @@ int KCCliCsvCommand::run(const std::vector<std::string> &args)
         std::fprintf(stderr, "krldv: %s\n", why.c_str());
         return CLI_INPUT_ERROR;
     }
-    std::printf("row %u\n", row);
-    for (const auto &v : values) {
-        std::printf("0x%08X", v.first);
-        for (unsigned char c : v.second)
-            std::printf(" %02X", c);
-        std::printf("\n");
-    }
+    KCCliSerialOptions::printRow(row, values);
     return CLI_OK;
 }

@@ -1,6 +1,7 @@
 #include "KCCliEngineCommand.h"
 
 #include "KCCliArgs.h"
+#include "KCCliSerialOptions.h"
 #include "KCCliDeviceOption.h"
 #include "KCCliHost.h"
 #include "KCCliImageLoader.h"
@@ -120,8 +121,8 @@ const char *KCCliEngineCommand::usage() const
             "Exit status 0 only when all Q devices passed. Ctrl-C stops after killing the engine.\n"
             "  --quantity Q    devices to program (default 1)\n"
             "  --journal FILE  where numbers and results are journaled (default DEFFILE.journal)\n"
-            "  --policy P      a failed device's number: discard (used up, the default) or reuse\n"
-            "                  (handed out again next)\n"
+            "  --policy P      a failed device's number and CSV row: discard (used up, the default)\n"
+            "                  or reuse (handed out again next)\n"
             "  --csv FILE      a CSV serial variables file: each device takes its next free row\n"
             "                  (krldv csv --help describes the file); journaled in FILE.journal\n";
         break;
@@ -192,8 +193,10 @@ int KCCliEngineCommand::run(const std::vector<std::string> &rawArgs)
     KCSerialDispenser::Policy policy = KCSerialDispenser::Discard;
     if (problem.empty() && a.has("policy") && !KCSerialDispenser::parsePolicy(a.value("policy"), &policy))
         problem = "--policy takes discard or reuse, not " + a.value("policy");
-    if (problem.empty() && !serial && (a.has("address") || a.has("journal") || a.has("policy")))
-        problem = "--address, --journal and --policy go with --serial DEFFILE";
+    if (problem.empty() && !serial && (a.has("address") || a.has("journal")))
+        problem = "--address and --journal go with --serial DEFFILE";
+    if (problem.empty() && a.has("policy") && !serial && !a.has("csv"))
+        problem = "--policy goes with --serial DEFFILE or --csv FILE";
     const KCFileFormatInfo *to = nullptr;
     if (problem.empty() && m_action == Read) {
         if (!a.has("output"))
@@ -261,49 +264,28 @@ int KCCliEngineCommand::run(const std::vector<std::string> &rawArgs)
     }
 
     std::unique_ptr<KCSerialDispenser> dispenser;
+    KCCliSerialOptions::Number number;
     if (serial) {
-        const std::string &defFile = a.value("serial");
-        const unsigned flags = representation->second
-            | (a.has("little-endian") ? Ctrl::FlagLittleEndian : Ctrl::FlagBigEndian);
+        number = {a.value("serial"), static_cast<unsigned>(address), static_cast<unsigned>(count),
+                  representation->second | (a.has("little-endian") ? Ctrl::FlagLittleEndian : Ctrl::FlagBigEndian)};
         // The document's own check refuses a number that would be cut or fall outside.
-        doc.setSerialDefPath(defFile);
-        doc.setSerialFlags(flags);
-        doc.setSerialAddress(static_cast<unsigned>(address));
-        doc.setSerialByteCount(static_cast<unsigned>(count));
-        host.setVerbose(true);
-        if (!doc.EnableSerialNumberUsability(1)) {
-            if (host.shownCount() == 0)
-                std::fprintf(stderr, "krldv: %s: cannot read the serial number definition\n", defFile.c_str());
+        if (!KCCliSerialOptions::enableNumber(doc, host, number))
             return CLI_INPUT_ERROR;
-        }
         const std::string stamp = doc.serialState().stampProblem();
         if (!stamp.empty()) {
             std::fprintf(stderr, "krldv: %s: %s; no number was taken\n", p[0].c_str(), stamp.c_str());
             return CLI_INPUT_ERROR;
         }
-        dispenser = std::make_unique<KCSerialDispenser>(&host, defFile, flags);
+        dispenser = std::make_unique<KCSerialDispenser>(&host, number.defFile, number.flags);
         dispenser->setPolicy(policy);
         if (a.has("journal"))
             dispenser->setJournalPath(a.value("journal"));
     }
     std::unique_ptr<cKrlSerialNumberHandler> csv;
     if (a.has("csv")) {
-        csv = std::make_unique<cKrlSerialNumberHandler>(a.value("csv"), cKrlSerialNumberHandler::ModeLenient);
-        csv->setDeviceSize(buffer.size());
-        if (serial) {
-            // The definition file's number keeps its window: what it takes now, at most count.
-            Ctrl peek(&host, a.value("serial"));
-            unsigned flags = representation->second, length = 0, value = 0;
-            std::string number;
-            if (peek.SERIAL_GetNextSerialNumber(0, &flags, &length, &value, nullptr, &number, 0, 1))
-                csv->setReservedRange(static_cast<unsigned>(address),
-                                      static_cast<unsigned>(std::min<uint64_t>(count, number.size())));
-        }
-        // A file that fails its rule check hands out nothing.
-        if (!csv->readCSVSerialNumberFile()) {
-            std::fputs(csv->getErrors().c_str(), stderr);
+        csv = KCCliSerialOptions::openCsv(a.value("csv"), buffer.size(), policy, number, &host);
+        if (!csv)
             return CLI_INPUT_ERROR;
-        }
     }
     KCProductionRun run(doc, *engine);
     run.setCsv(csv.get());

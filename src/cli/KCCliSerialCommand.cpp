@@ -1,6 +1,7 @@
 #include "KCCliSerialCommand.h"
 
 #include "KCCliArgs.h"
+#include "KCCliSerialOptions.h"
 #include "KCCliDeviceOption.h"
 #include "KCCliHost.h"
 #include "KCCliImageLoader.h"
@@ -9,10 +10,12 @@
 #include "fileio/KCFormatNames.h"
 #include "serial/KCSerialDefCtrl.h"
 #include "serial/KCSerialJournal.h"
+#include "serial/cKrlSerialNumberHandler.h"
 #include "serial/cSerialJournalAudit.h"
 
 #include <cstdio>
 #include <map>
+#include <memory>
 
 namespace {
 using Ctrl = KCSerialDefCtrl;
@@ -42,12 +45,17 @@ const char *KCCliSerialCommand::usage() const
            "  --little-endian  reverse the bytes\n"
            "\n"
            "usage: krldv serial stamp IMAGE DEFFILE --address A [--count N] [--repr R] [--device NAME]\n"
-           "                          [--little-endian] [--from NAME] [--to NAME] -o OUT\n"
+           "                          [--little-endian] [--csv FILE] [--from NAME] [--to NAME] -o OUT\n"
+           "       krldv serial stamp IMAGE --csv FILE [--device NAME] [--from NAME] [--to NAME] -o OUT\n"
            "\n"
            "Consumes the next number of the file's first block, writes it into the image at\n"
            "buffer address A (at most N bytes; default: the whole number) and saves the image\n"
            "as OUT (format from --to or OUT's extension). Prints the number as above.\n"
+           "Only the stamped bytes change: OUT has the image's records and gaps.\n"
            "  --device NAME  load through the device's size, ranges and address offset\n"
+           "  --csv FILE     also take the next row of a CSV serial variables file (krldv csv\n"
+           "                 --help), write its variables and print them; the row is marked used\n"
+           "                 and journaled in FILE.journal as krldv program does it\n"
            "\n"
            "usage: krldv serial journal DEFFILE [--journal FILE]\n"
            "\n"
@@ -74,18 +82,23 @@ int KCCliSerialCommand::runStamp(const std::vector<std::string> &rawArgs)
     std::vector<std::string> args;
     for (const std::string &arg : rawArgs)
         args.push_back(arg == "-o" ? "--output" : arg);
-    const KCCliArgs a(args, {"address", "count", "repr", "from", "to", "output", "device"}, {"little-endian"});
+    const KCCliArgs a(args, {"address", "count", "repr", "from", "to", "output", "device", "csv"}, {"little-endian"});
     if (a.helpRequested()) {
         std::fputs(usage(), stdout);
         return CLI_OK;
     }
     std::string problem = a.error();
     const std::vector<std::string> &p = a.positional();
+    const bool withCsv = a.has("csv");
+    const bool withNumber = p.size() == 3;
     uint64_t address = 0, count = Ctrl::MaxElementLength;
-    if (problem.empty() && p.size() != 3)
-        problem = "give an image and a definition file";
-    if (problem.empty() && (!a.has("address") || !KCCliArgs::parseNumber(a.value("address"), address, 0xFFFFFFFF)))
+    if (problem.empty() && !withNumber && !(withCsv && p.size() == 2))
+        problem = withCsv ? "give an image and at most one definition file" : "give an image and a definition file";
+    if (problem.empty() && withNumber
+        && (!a.has("address") || !KCCliArgs::parseNumber(a.value("address"), address, 0xFFFFFFFF)))
         problem = "--address takes the buffer address of the number (0x for hexadecimal)";
+    if (problem.empty() && !withNumber && (a.has("address") || a.has("count")))
+        problem = "--address and --count go with a definition file";
     if (problem.empty() && a.has("count")
         && (!KCCliArgs::parseNumber(a.value("count"), count, Ctrl::MaxElementLength) || count == 0))
         problem = "--count takes 1.." + std::to_string(Ctrl::MaxElementLength) + ", not " + a.value("count");
@@ -108,44 +121,65 @@ int KCCliSerialCommand::runStamp(const std::vector<std::string> &rawArgs)
     KCDataDoc doc;
     if (!KCCliDeviceOption::select(doc, a.value("device")))
         return CLI_INPUT_ERROR;
-    const std::string &image = p[1], &defFile = p[2];
+    const std::string &image = p[1];
+    const std::string defFile = withNumber ? p[2] : std::string();
+    const std::string source = withNumber ? defFile : a.value("csv");
     if (!KCCliImageLoader::load(doc, image, a.value("from")))
         return CLI_INPUT_ERROR;
-    doc.setSerialDefPath(defFile);
-    doc.setSerialFlags(representation->second
-                       | (a.has("little-endian") ? Ctrl::FlagLittleEndian : Ctrl::FlagBigEndian));
-    doc.setSerialAddress(static_cast<unsigned>(address));
-    doc.setSerialByteCount(static_cast<unsigned>(count));
-    host.setVerbose(true);
-    if (!doc.EnableSerialNumberUsability(1)) {
-        if (host.shownCount() == 0)
-            std::fprintf(stderr, "krldv: %s: cannot read the serial number definition\n", defFile.c_str());
+    const KCCliSerialOptions::Number number{
+        defFile, static_cast<unsigned>(address), static_cast<unsigned>(count),
+        representation->second | (a.has("little-endian") ? Ctrl::FlagLittleEndian : Ctrl::FlagBigEndian)};
+    if (withNumber && !KCCliSerialOptions::enableNumber(doc, host, number))
         return CLI_INPUT_ERROR;
-    }
     host.setVerbose(false);
-    // Everything that can be known to fail is checked before a number is taken, so a number
-    // is never consumed for nothing: the number whole in its place, the output writable.
-    std::string why = doc.serialState().stampProblem();
+    // Everything that can be known to fail is checked before a number or row is taken, so
+    // none is consumed for nothing: the number whole in its place, the CSV file passing its
+    // rule check, the output writable.
+    std::string why = withNumber ? doc.serialState().stampProblem() : std::string();
     const std::string &output = a.value("output");
     if (why.empty())
         why = KCCliArgs::outputProblem(output);
     if (!why.empty()) {
-        std::fprintf(stderr, "krldv: %s: %s; no number was taken from %s\n", image.c_str(), why.c_str(),
-                     defFile.c_str());
+        std::fprintf(stderr, "krldv: %s: %s; nothing was taken from %s\n", image.c_str(), why.c_str(), source.c_str());
         return CLI_INPUT_ERROR;
     }
-    std::string report;
-    if (!doc.serialState().takeNext(report)) {
-        std::fprintf(stderr, "krldv: %s: %s\n", defFile.c_str(), report.c_str());
+    std::unique_ptr<cKrlSerialNumberHandler> csv;
+    unsigned row = 0;
+    std::vector<std::pair<uint32_t, std::string>> values;
+    if (withCsv) {
+        csv = KCCliSerialOptions::openCsv(a.value("csv"), doc.GetBufferSize(), KCSerialDispenser::Discard, number, &host);
+        if (!csv)
+            return CLI_INPUT_ERROR;
+        if (!csv->takeNextRow(&row, &values, &why)) {
+            std::fprintf(stderr, "krldv: %s\n", why.c_str());
+            return CLI_INPUT_ERROR;
+        }
+        for (const auto &v : values)
+            doc.WriteRange(v.first, reinterpret_cast<const uint8_t *>(v.second.data()), v.second.size());
+    }
+    // The row's result is journaled as a device's is: written, or lost with the image.
+    auto rowDone = [&](bool written) {
+        std::string ignored;
+        if (csv)
+            csv->recordRow(row, written, &ignored);
+    };
+    if (withNumber && !doc.serialState().takeNext(why)) {
+        rowDone(false);
+        std::fprintf(stderr, "krldv: %s: %s\n", defFile.c_str(), why.c_str());
         return CLI_INPUT_ERROR;
     }
-    const std::string number = doc.serialNumberText().substr(0, count);
     doc.mainBufferParam()->fileType = KCFormatNames::loadSaveType(to->name);
     if (!doc.OnSaveDocument(output.c_str())) {
-        std::fprintf(stderr, "krldv: %s: not written; the serial number was taken and is lost\n", output.c_str());
+        rowDone(false);
+        std::fprintf(stderr, "krldv: %s: not written; what was taken from %s is lost\n", output.c_str(),
+                     source.c_str());
         return CLI_INPUT_ERROR;
     }
-    printNumber(number, doc.serialFlags() & Ctrl::FlagAsc);
+    rowDone(true);
+    if (withNumber)
+        printNumber(doc.serialNumberText().substr(0, count), doc.serialFlags() & Ctrl::FlagAsc);
+    if (withCsv)
+        KCCliSerialOptions::printRow(row, values);
     return CLI_OK;
 }
 

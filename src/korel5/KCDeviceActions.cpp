@@ -1,6 +1,7 @@
 #include "KCDeviceActions.h"
 
 #include "KCAppHost.h"
+#include "KCDeviceCountView.h"
 #include "KCDeviceMenu.h"
 #include "KCMainFrame.h"
 #include "doc/KCDataDoc.h"
@@ -17,6 +18,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDir>
+#include <QDockWidget>
 #include <QEventLoop>
 #include <QInputDialog>
 #include <QLineEdit>
@@ -217,11 +219,15 @@ KCEngineResult KCDeviceActions::runCommand(Command command)
 }
 
 namespace {
-// The counts of a run, shown live in the progress window.
+// The counts of a run, shown live in the progress window and, as the document counted them,
+// in the counter view.
 class RunCounter : public KCProductionListener
 {
 public:
-    RunCounter(QProgressDialog &progress, unsigned quantity) : m_progress(progress), m_quantity(quantity) {}
+    RunCounter(QProgressDialog &progress, unsigned quantity, KCDeviceCountView *view)
+        : m_progress(progress), m_quantity(quantity), m_view(view)
+    {
+    }
     void deviceStarted(unsigned index, const std::string &number) override
     {
         m_progress.setLabelText(QString(number.empty() ? "Device %1 of %2%3\npassed %4, failed %5"
@@ -233,11 +239,14 @@ public:
     {
         (passed ? m_passed : m_failed)++;
         m_progress.setValue(static_cast<int>((index + 1) * ProgressMax / m_quantity));
+        if (m_view)
+            m_view->DrawCountInfo();
     }
 
 private:
     QProgressDialog &m_progress;
     unsigned m_quantity;
+    KCDeviceCountView *m_view;
     unsigned m_passed = 0, m_failed = 0;
 };
 } // namespace
@@ -255,8 +264,10 @@ bool KCDeviceActions::productionRun(unsigned quantity)
     // The document's serial settings decide the numbers; without a definition file the
     // devices get the buffer as it is.
     std::unique_ptr<KCSerialDispenser> dispenser;
-    if (!doc->serialDefPath().empty())
+    if (!doc->serialDefPath().empty()) {
         dispenser = std::make_unique<KCSerialDispenser>(&host, doc->serialDefPath(), doc->serialFlags());
+        dispenser->setPolicy(KCSerialDispenser::policyOf(doc->serialFlags()));
+    }
     QProgressDialog progress(tr("Production run"), tr("Stop"), 0, ProgressMax, &m_frame);
     progress.setWindowModality(Qt::WindowModal);
     progress.setMinimumDuration(0);
@@ -265,7 +276,13 @@ bool KCDeviceActions::productionRun(unsigned quantity)
     KCProductionRun run(*doc, *engine);
     run.setSerial(dispenser.get(), doc->serialAddress(), doc->serialByteCount());
     run.setQuantity(quantity);
-    RunCounter counter(progress, quantity);
+    // The counter view is in sight while the devices are counted.
+    KCDeviceCountView *view = m_frame.findChild<KCDeviceCountView *>();
+    if (auto *dock = view ? qobject_cast<QDockWidget *>(view->parentWidget()) : nullptr) {
+        dock->show();
+        dock->raise();
+    }
+    RunCounter counter(progress, quantity, view);
     run.setListener(&counter);
     connect(&progress, &QProgressDialog::canceled, this, [&run] { run.cancel(); });
     run.setEngineCall([this](KCEngine &e, const std::vector<uint8_t> &image) {

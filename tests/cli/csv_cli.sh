@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # krldv csv: the rule check lists every problem with its line, strict mode fails warnings,
-# RFC 4180 quoting, and rows handed out once each to stations working at the same time.
+# RFC 4180 quoting, rows handed out once each to stations working at the same time, rows
+# stamped into images, and a failed device's row given back under "reuse".
 set -u
 KRLDV="$1"
 T="$(mktemp -d)"; trap 'rm -rf "$T"' EXIT
@@ -46,4 +47,38 @@ wait
 check "rows once each" "$(cat "$T"/station* | sort -u | wc -l)" 60
 check "journal" "$(grep -c ' take row:' "$T/line.csv.journal")" 60
 check "all used" "$("$KRLDV" csv check "$T/line.csv" 2>&1 | tail -1 | grep -o '[0-9]* free rows')" "0 free rows"
+# serial stamp --csv: only the row's bytes change, the image keeps its records and gaps, the
+# row is marked and journaled; beside a definition file both are stamped.
+printf ':020000000102FB\r\n:024000000304B7\r\n:00000001FF\r\n' > "$T/sparse.hex"
+printf '#var,MAC,0x20,2,hex\r\nUSED,MAC\r\n,A1B2\r\n,A1B3\r\n' > "$T/stamp.csv"
+check "stamp prints the row" "$("$KRLDV" serial stamp "$T/sparse.hex" --csv "$T/stamp.csv" -o "$T/s1.hex" | tr '\n' '|')" \
+  "row 3|0x00000020 A1 B2|"
+check "stamped sparse image" "$(tr -d '\r' < "$T/s1.hex" | tr '\n' ' ')" ":020000000102FB :02002000A1B28B :024000000304B7 :00000001FF "
+check "stamp journal" "$(awk '{print $3, $4, $5}' "$T/stamp.csv.journal" | tr '\n' '|')" "take row:3 41314232|pass row:3 |"
+printf 'S\r\n{\r\nTYPE=CALC\r\nLENGTH=2\r\nNEXT=0x1234\r\nSTEP=0x1\r\n}\r\n' > "$T/stamp.ser"
+out=$("$KRLDV" serial stamp "$T/sparse.hex" "$T/stamp.ser" --address 0x10 --repr hex-bin --csv "$T/stamp.csv" -o "$T/s2.bin")
+check "number and row" "$(echo "$out" | tr '\n' '|')" "12 34|row 4|0x00000020 A1 B3|"
+check "both in the image" "$(od -An -tx1 -j16 -N2 "$T/s2.bin")$(od -An -tx1 -j32 -N2 "$T/s2.bin")" " 12 34 a1 b3"
+# No row left, or a row over the number: nothing is taken and nothing written.
+"$KRLDV" serial stamp "$T/sparse.hex" "$T/stamp.ser" --address 0x10 --repr hex-bin --csv "$T/stamp.csv" -o "$T/s3.bin" 2>/dev/null
+check "no row left" "$?" 1
+printf '#var,MAC,0x11,2,hex\r\nUSED,MAC\r\n,A1B2\r\n' > "$T/over.csv"
+out=$("$KRLDV" serial stamp "$T/sparse.hex" "$T/stamp.ser" --address 0x10 --repr hex-bin --csv "$T/over.csv" -o "$T/s3.bin" 2>&1)
+has "row over the number" "$out" "MAC overlaps the serial number of the definition file"
+check "no number taken" "$("$KRLDV" serial next "$T/stamp.ser" --repr hex-bin)" "12 35"
+[ ! -e "$T/s3.bin" ] || { echo "FAIL a refused stamp wrote an output"; fail=1; }
+check "no row taken" "$("$KRLDV" csv check "$T/over.csv" 2>&1 | grep -o '[0-9]* free rows')" "1 free rows"
+
+# "reuse": both failing devices get the same row; the next good device gets it too.
+head -c 256 /dev/zero > "$T/img.bin"
+printf '#var,MAC,0x20,2,hex\r\nUSED,MAC\r\n,0001\r\n,0002\r\n' > "$T/reuse.csv"
+PROG=(program "$T/img.bin" --device AT24C02 --engine virtual --csv "$T/reuse.csv")
+"$KRLDV" "${PROG[@]}" --programmer "$T/chip.bin,fail=1" --policy reuse --quantity 2 >/dev/null 2>&1
+check "failing devices" "$?" 1
+check "row given back each time" "$(grep -c ' fail row:3 reuse$' "$T/reuse.csv.journal")" 2
+"$KRLDV" "${PROG[@]}" --programmer "$T/chip.bin" --policy reuse >/dev/null; check "good device" "$?" 0
+check "it got the row" "$(od -An -tx1 -j32 -N2 "$T/chip.bin")" " 00 01"
+"$KRLDV" "${PROG[@]}" --programmer "$T/chip.bin,fail=1" >/dev/null 2>&1
+"$KRLDV" "${PROG[@]}" --programmer "$T/chip.bin" >/dev/null 2>&1
+check "discard uses the row up" "$?" 1
 exit $fail

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Four stations run production against one definition file (with the "reuse" policy) and one
-# CSV file while a fifth process kills them at random. Afterwards: no number or row was handed
+# Four stations run production against one definition file and one CSV file, with the "reuse"
+# policy, while a fifth process kills them at random. Afterwards: no number or row was handed
 # out twice, every number the file moved past is in the journal, and a clean station gets every
-# unused number back.
+# unused number and row back, so in the end each passed once.
 set -u
 KRLDV="$1"
 STORM_SECONDS="${KRLDV_STATION_SECONDS:-6}"
@@ -52,19 +52,30 @@ check "every number the file moved past is journaled" "$(keys $next | sort | com
 check "no number passed twice" "$(awk '$3 == "pass" {print $4}' "$J" | sort | uniq -d | wc -l)" 0
 "$KRLDV" serial journal "$T/line.ser" | grep -q "repeated 0$" || { echo "FAIL a number was handed out twice"; fail=1; }
 
-# A clean station drains what was given back or left by killed stations, then takes one more.
-unused=$(( next - FIRST - $(awk '$3 == "pass" {print $4}' "$J" | sort -u | wc -l) ))
-"$KRLDV" program "$T/img.bin" "${RUN[@]}" --programmer "$T/clean.bin" --quantity $((unused + 1)) >/dev/null
+# A clean station drains the numbers and rows given back or left by killed stations, then
+# takes new ones only for the rest of its devices.
+C="$T/line.csv.journal"
+passedKeys() { awk '$3 == "pass" {print $4}' "$1" | sort -u | wc -l; }
+markedRows() { grep -c '^[^,#U]' "$T/line.csv"; }
+unused=$(( next - FIRST - $(passedKeys "$J") ))
+marked=$(markedRows)
+unusedRows=$(( marked - $(passedKeys "$C") ))
+quantity=$(( (unused > unusedRows ? unused : unusedRows) + 1 ))
+"$KRLDV" program "$T/img.bin" "${RUN[@]}" --programmer "$T/clean.bin" --quantity $quantity >/dev/null
 check "clean station" "$?" 0
-check "only one new number" "$(( $(grep -a NEXT "$T/line.ser" | tr -d '\r' | cut -d= -f2) ))" $((next + 1))
+next2=$(( $(grep -a NEXT "$T/line.ser" | tr -d '\r' | cut -d= -f2) ))
+check "new numbers only past the unused ones" $next2 $((next + quantity - unused))
 out=$("$KRLDV" serial journal "$T/line.ser")
 check "journal clean" "$?" 0
-check "every number passed" "$(keys $((next + 1)) | sort | comm -23 - <(awk '$3 == "pass" {print $4}' "$J" | sort -u) | wc -l)" 0
-# Rows: none twice; a row journaled by a station killed before marking it went to the next.
+check "every number passed" "$(keys $next2 | sort | comm -23 - <(awk '$3 == "pass" {print $4}' "$J" | sort -u) | wc -l)" 0
+# Rows: none twice, none lost. A row journaled by a station killed before marking it went to
+# the next station; a failed device's row came back.
 "$KRLDV" serial journal "$T/line.csv" | grep -q "repeated 0$" || { echo "FAIL a row was handed out twice"; fail=1; }
-check "rows marked once each" "$(grep -c '^[^,#U]' "$T/line.csv")" \
-  "$(awk '$3 == "take" {print $4}' "$T/line.csv.journal" | sort -u | wc -l)"
+check "new rows only past the unused ones" "$(markedRows)" $((marked + quantity - unusedRows))
+check "every marked row passed" "$(passedKeys "$C")" "$(markedRows)"
+check "every row taken is marked" "$(awk '$3 == "take" {print $4}' "$C" | sort -u | wc -l)" "$(markedRows)"
+check "no row passed twice" "$(awk '$3 == "pass" {print $4}' "$C" | sort | uniq -d | wc -l)" 0
 [ $fail -eq 0 ] || { echo "$out" | tail -5; echo "kept in $T"; exit 1; }
-echo "$kills kills, $taken numbers taken"
+echo "$kills kills, $taken numbers taken, $(grep -c " fail row:.* reuse$" "$C") rows given back"
 rm -rf "$T"
 exit 0

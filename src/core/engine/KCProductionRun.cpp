@@ -75,11 +75,15 @@ KCProductionRun::StopReason KCProductionRun::run()
         if (m_listener)
             m_listener->deviceStarted(index, label);
         const KCEngineResult result = m_engineCall ? m_engineCall(m_engine, image) : m_engine.autoProgram(image);
-        // A device the engine gave up on, for whatever reason, is a failed device.
-        if (result.passed())
+        // A device the engine gave up on, for whatever reason, is a failed device. The
+        // document's counters are the ones its project keeps.
+        if (result.passed()) {
             ++m_passed;
-        else
+            m_doc.SuccessCountIncrement();
+        } else {
             ++m_failed;
+            m_doc.FailCountIncrement();
+        }
         bool journaled = !m_dispenser || m_dispenser->record(key, result.passed());
         std::string why;
         if (m_csv && !m_csv->recordRow(row, result.passed(), &why))

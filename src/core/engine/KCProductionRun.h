@@ -15,8 +15,8 @@ class cKrlSerialNumberHandler;
 
 // A production run: per device the next serial number is taken and written into the buffer
 // through the document, the device is erased, programmed and verified by the engine, and the
-// result is counted and journaled. The run stops at the quantity, on cancel(), or when no
-// further number can be had.
+// result is counted (in the run and in the document's pass and fail counters) and journaled.
+// The run stops at the quantity, on cancel(), or when no further number can be had.
 class KCProductionRun
 {
 public:

@@ -30,6 +30,9 @@ public:
     static constexpr unsigned FlagAsc = 0x0020;
     static constexpr unsigned FlagLittleEndian = 0x0040;
     static constexpr unsigned FlagBigEndian = 0x0080;
+    // Not the number's form but the production run's: a failed device's number is given back
+    // ("reuse") instead of used up. In the flag word it is kept wherever the representation is.
+    static constexpr unsigned FlagReuseFailed = 0x0100;
     static constexpr unsigned FlagConsumed = 0x8000;
 
     // Modes of FILE_OpenDef.

@@ -2,47 +2,13 @@
 
 #include "serial/cSerialJournalAudit.h"
 
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
-#include <cstdlib>
 
 namespace {
 
 using Event = TAG_SERIAL_JOURNAL_EVENT;
 const char *const DiscardName = "discard";
 const char *const ReuseName = "reuse";
-const char *const SeriesName = "series";
-const char *const HexDigits = "0123456789ABCDEF";
-
-std::string toHex(const std::string &bytes)
-{
-    std::string hex;
-    for (unsigned char c : bytes) {
-        hex += HexDigits[c >> 4];
-        hex += HexDigits[c & 0xF];
-    }
-    return hex;
-}
-
-std::string fromHex(const std::string &hex)
-{
-    std::string bytes;
-    for (size_t i = 0; i + 1 < hex.size(); i += 2)
-        bytes += static_cast<char>(std::strtoul(hex.substr(i, 2).c_str(), nullptr, 16));
-    return bytes;
-}
-
-// A station of this host whose process is gone.
-bool isDeadLocalStation(const std::string &station, const std::string &self)
-{
-    const size_t colon = station.rfind(':');
-    const size_t selfColon = self.rfind(':');
-    if (colon == std::string::npos || station.compare(0, colon, self, 0, selfColon) != 0)
-        return false;
-    const long pid = std::strtol(station.c_str() + colon + 1, nullptr, 10);
-    return pid > 0 && ::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH;
-}
 
 } // namespace
 
@@ -61,6 +27,16 @@ bool KCSerialDispenser::parsePolicy(const std::string &text, Policy *policy)
     else
         return false;
     return true;
+}
+
+const char *KCSerialDispenser::policyName(Policy policy)
+{
+    return policy == Reuse ? ReuseName : DiscardName;
+}
+
+KCSerialDispenser::Policy KCSerialDispenser::policyOf(unsigned flags)
+{
+    return flags & KCSerialDefCtrl::FlagReuseFailed ? Reuse : Discard;
 }
 
 bool KCSerialDispenser::seriesNext(std::string *key, std::string *bytes, bool advance)
@@ -86,37 +62,28 @@ int KCSerialDispenser::takeLocked(std::string *key, std::string *bytes, bool *wr
         m_error = m_journal.error();
         return 0;
     }
-    const cSerialJournalAudit audit(events);
+    cSerialJournalAudit audit(events);
     std::string nextKey, nextBytes;
     if (!seriesNext(&nextKey, &nextBytes, false)) {
         m_error = "no serial number can be had from block " + std::to_string(m_block) + " of "
             + *m_ctrl.FILE_GetSerialFileName();
         return 0;
     }
-    // Taken, but the file never moved past it: that station died before writing it back.
-    if (audit.isOpen(nextKey) && !m_journal.append(Event::Abandon, nextKey, SeriesName))
+    if (!audit.settleOpen(m_journal, nextKey, m_policy == Reuse)) {
+        m_error = m_journal.error();
         return 0;
-    std::vector<Event> reuse = audit.reuseList();
-    if (m_policy == Reuse) {
-        const std::string self = KCSerialJournal::thisStation();
-        for (const Event &e : audit.open()) {
-            if (e.key != nextKey && isDeadLocalStation(e.station, self)) {
-                if (!m_journal.append(Event::Abandon, e.key, ReuseName))
-                    return 0;
-                reuse.insert(reuse.begin(), e);
-            }
-        }
     }
+    const std::vector<Event> &reuse = audit.reuseList();
     if (!reuse.empty()) {
         *key = reuse.front().key;
-        *bytes = fromHex(reuse.front().detail);
+        *bytes = KCSerialJournal::fromHex(reuse.front().detail);
         *writeBack = false;
     } else {
         if (!seriesNext(key, bytes, true))
             return 0;
         *writeBack = true;
     }
-    if (!m_journal.append(Event::Take, *key, toHex(*bytes))) {
+    if (!m_journal.append(Event::Take, *key, KCSerialJournal::toHex(*bytes))) {
         m_error = m_journal.error();
         return 0;
     }
@@ -137,7 +104,7 @@ bool KCSerialDispenser::record(const std::string &key, bool passed)
     m_error.clear();
     const int ok = m_ctrl.FILE_ConsumeLocked([&](bool *) {
         return m_journal.append(passed ? Event::Pass : Event::Fail, key,
-                                passed ? std::string() : (m_policy == Reuse ? ReuseName : DiscardName))
+                                passed ? std::string() : policyName(m_policy))
             ? 1
             : 0;
     });

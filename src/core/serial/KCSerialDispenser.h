@@ -38,6 +38,10 @@ public:
     const std::string &error() const { return m_error; }
 
     static bool parsePolicy(const std::string &text, Policy *policy);
+    // "discard" or "reuse", as a failed device's journal line says it.
+    static const char *policyName(Policy policy);
+    // The policy a document's serial flags hold (KCSerialDefCtrl::FlagReuseFailed).
+    static Policy policyOf(unsigned flags);
 
 private:
     int takeLocked(std::string *key, std::string *bytes, bool *writeBack);

@@ -1,6 +1,7 @@
 #include "serial/KCSerialJournal.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
@@ -13,6 +14,7 @@ namespace {
 constexpr size_t HostNameSize = 256;
 const char *const KindNames[] = {"take", "pass", "fail", "abandon"};
 constexpr int KindCount = 4;
+const char *const HexDigits = "0123456789ABCDEF";
 
 } // namespace
 
@@ -37,6 +39,24 @@ std::string KCSerialJournal::now()
 const char *KCSerialJournal::kindName(TAG_SERIAL_JOURNAL_EVENT::Kind kind)
 {
     return KindNames[kind];
+}
+
+std::string KCSerialJournal::toHex(const std::string &bytes)
+{
+    std::string hex;
+    for (unsigned char c : bytes) {
+        hex += HexDigits[c >> 4];
+        hex += HexDigits[c & 0xF];
+    }
+    return hex;
+}
+
+std::string KCSerialJournal::fromHex(const std::string &hex)
+{
+    std::string bytes;
+    for (size_t i = 0; i + 1 < hex.size(); i += 2)
+        bytes += static_cast<char>(std::strtoul(hex.substr(i, 2).c_str(), nullptr, 16));
+    return bytes;
 }
 
 std::string KCSerialJournal::format(const TAG_SERIAL_JOURNAL_EVENT &e)

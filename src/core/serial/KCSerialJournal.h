@@ -30,6 +30,9 @@ public:
     static std::string format(const TAG_SERIAL_JOURNAL_EVENT &event);
     static bool parse(const std::string &line, TAG_SERIAL_JOURNAL_EVENT *event);
     static const char *kindName(TAG_SERIAL_JOURNAL_EVENT::Kind kind);
+    // A take's detail: the bytes handed out, in hexadecimal, and back.
+    static std::string toHex(const std::string &bytes);
+    static std::string fromHex(const std::string &hex);
 
 private:
     std::string m_path;

@@ -72,6 +72,16 @@ void KCSerialSettings::setFlag(unsigned bit)
     }
 }
 
+bool KCSerialSettings::reuseFailed() const
+{
+    return (m_flags & KCSerialDefCtrl::FlagReuseFailed) != 0;
+}
+
+void KCSerialSettings::setReuseFailed(bool reuse)
+{
+    m_flags = reuse ? m_flags | KCSerialDefCtrl::FlagReuseFailed : m_flags & ~KCSerialDefCtrl::FlagReuseFailed;
+}
+
 void KCSerialSettings::setFirst(unsigned length, unsigned next, unsigned step)
 {
     m_firstLength = length;

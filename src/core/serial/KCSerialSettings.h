@@ -26,6 +26,9 @@ public:
     unsigned flags() const { return m_flags; }
     // Sets one representation bit and clears its partner (DEC/HEX, ASC/BIN, big/little endian).
     void setFlag(unsigned bit);
+    // A failed device's number: used up ("discard") or given back ("reuse"), as a flag bit.
+    bool reuseFailed() const;
+    void setReuseFailed(bool reuse);
     unsigned address() const { return m_address; }
     void setAddress(unsigned address) { m_address = address; }
     unsigned byteCount() const { return m_byteCount; }

@@ -2,10 +2,12 @@
 
 #include "serial/KCSerialJournal.h"
 #include "serial/cSerialDefFile.h"
+#include "serial/cSerialJournalAudit.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <cstring>
 #include <set>
 
 namespace {
@@ -16,7 +18,7 @@ const char *const KeyDirective = "#key";
 constexpr size_t VarFields = 5;
 constexpr size_t MaxFileSize = size_t(64) << 20;
 constexpr uint64_t MaxAddress = 0xFFFFFFFFull;
-const char *const HexDigits = "0123456789ABCDEF";
+const char *const RowKeyPrefix = "row:";
 
 bool parseNumber(const std::string &text, uint64_t *value)
 {
@@ -26,6 +28,11 @@ bool parseNumber(const std::string &text, uint64_t *value)
     const bool hex = text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X');
     *value = std::strtoull(text.c_str() + (hex ? 2 : 0), &end, hex ? 16 : 10);
     return *end == '\0' && text[0] != '-' && *value <= MaxAddress;
+}
+
+std::string rowKey(int line)
+{
+    return RowKeyPrefix + std::to_string(line);
 }
 
 std::string lineText(int line)
@@ -249,6 +256,12 @@ void cKrlSerialNumberHandler::checkRows(const std::vector<cCsvReader::Record> &r
     }
 }
 
+const cCsvReader::Record *cKrlSerialNumberHandler::recordAtLine(int line) const
+{
+    const auto r = std::find_if(m_records.begin(), m_records.end(), [&](const cCsvReader::Record &x) { return x.line == line; });
+    return r == m_records.end() ? nullptr : &*r;
+}
+
 bool cKrlSerialNumberHandler::takeNextRow(unsigned *row, std::vector<std::pair<uint32_t, std::string>> *values,
                                           std::string *why)
 {
@@ -267,43 +280,57 @@ bool cKrlSerialNumberHandler::takeNextRow(unsigned *row, std::vector<std::pair<u
         *why = getErrors();
         return false;
     }
-    if (m_freeRows == 0) {
-        *why = m_path + ": no free row is left";
+    KCSerialJournal journal(KCSerialJournal::pathFor(m_path));
+    std::vector<TAG_SERIAL_JOURNAL_EVENT> events;
+    if (!journal.read(&events)) {
+        *why = journal.error();
         return false;
     }
-    const cCsvReader::Record &r = m_records[m_firstFree];
+    // A take of the first free row is one whose station died before marking it: the row is
+    // handed out again. Under "reuse" rows given back go first, as do rows held by dead
+    // stations of this host.
+    cSerialJournalAudit audit(events);
+    const std::string nextKey = m_freeRows ? rowKey(m_records[m_firstFree].line) : std::string();
+    if (!audit.settleOpen(journal, nextKey, m_policy == KCSerialDispenser::Reuse)) {
+        *why = journal.error();
+        return false;
+    }
+    const cCsvReader::Record *r = nullptr;
+    const bool reused = !audit.reuseList().empty();
+    if (reused) {
+        const std::string &key = audit.reuseList().front().key;
+        r = recordAtLine(std::atoi(key.c_str() + std::strlen(RowKeyPrefix)));
+        if (!r) {
+            *why = m_path + ": " + key + ", given back for reuse, is no longer a row of the file";
+            return false;
+        }
+    } else if (m_freeRows == 0) {
+        *why = m_path + ": no free row is left";
+        return false;
+    } else {
+        r = &m_records[m_firstFree];
+    }
     values->clear();
     std::string keyValue;
     for (const Variable &v : m_variables) {
         std::string bytes, problem;
         bool isShort = false;
-        const std::string &value = r.fields[static_cast<size_t>(v.column)];
+        const std::string &value = r->fields[static_cast<size_t>(v.column)];
         valueBytes(v, value, &bytes, &problem, &isShort);
         values->emplace_back(v.address, bytes);
         if (v.name == m_keyName)
             keyValue = value;
     }
-    *row = static_cast<unsigned>(r.line);
+    *row = static_cast<unsigned>(r->line);
     // The journal line comes first: a station killed before the mark leaves the row free and
-    // a take in the journal that the next take of the same row shows as abandoned.
-    KCSerialJournal journal(KCSerialJournal::pathFor(m_path));
-    std::string hex;
-    for (unsigned char c : keyValue) {
-        hex += HexDigits[c >> 4];
-        hex += HexDigits[c & 0xF];
-    }
-    const std::string key = "row:" + std::to_string(r.line);
-    std::vector<TAG_SERIAL_JOURNAL_EVENT> events;
-    journal.read(&events);
-    for (const TAG_SERIAL_JOURNAL_EVENT &e : events) {
-        if (e.kind == TAG_SERIAL_JOURNAL_EVENT::Take && e.key == key && !journal.append(TAG_SERIAL_JOURNAL_EVENT::Abandon, key, "series"))
-            break;
-    }
-    if (!journal.append(TAG_SERIAL_JOURNAL_EVENT::Take, key, hex)) {
+    // a take the next station settles.
+    if (!journal.append(TAG_SERIAL_JOURNAL_EVENT::Take, rowKey(r->line), KCSerialJournal::toHex(keyValue))) {
         *why = journal.error();
         return false;
     }
-    text.insert(r.offset, KCSerialJournal::thisStation() + "@" + KCSerialJournal::now());
+    if (reused)
+        return true; // marked when it was first taken
+    text.insert(r->offset, KCSerialJournal::thisStation() + "@" + KCSerialJournal::now());
     if (!file.replaceAll(text) || !file.close()) {
         *why = m_path + ": cannot write the used mark: " + file.errorText();
         return false;
@@ -322,7 +349,8 @@ bool cKrlSerialNumberHandler::recordRow(unsigned row, bool passed, std::string *
     }
     KCSerialJournal journal(KCSerialJournal::pathFor(m_path));
     const bool ok = journal.append(passed ? TAG_SERIAL_JOURNAL_EVENT::Pass : TAG_SERIAL_JOURNAL_EVENT::Fail,
-                                   "row:" + std::to_string(row), passed ? "" : "discard");
+                                   rowKey(static_cast<int>(row)),
+                                   passed ? "" : KCSerialDispenser::policyName(m_policy));
     if (!ok)
         *why = journal.error();
     file.close();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "serial/KCSerialDispenser.h"
 #include "serial/TAG_CSV_SERIAL_VARIABLE.h"
 #include "serial/cCsvReader.h"
 
@@ -21,7 +22,8 @@
 // getErrors(). Strict mode makes its warnings (a value shorter than its bytes, which is
 // padded with zero bytes; an unknown directive) errors. Rows are handed out first free first,
 // under the same exclusive lock as the definition file, with the mark written before the lock
-// is released, and journaled in "<file>.journal".
+// is released, and journaled in "<file>.journal". Under the "reuse" policy a failed device's
+// row goes back and is handed out next, as the definition file's numbers are.
 class cKrlSerialNumberHandler
 {
 public:
@@ -37,6 +39,7 @@ public:
     // variables must lie inside the one and outside the other.
     void setDeviceSize(uint64_t size) { m_deviceSize = size; }
     void setReservedRange(uint32_t address, uint32_t count) { m_reserved = {address, count}; }
+    void setPolicy(KCSerialDispenser::Policy policy) { m_policy = policy; }
 
     // Reads and checks the file; nonzero when it passes.
     unsigned char readCSVSerialNumberFile();
@@ -47,11 +50,11 @@ public:
     const std::vector<TAG_CSV_SERIAL_VARIABLE> &variables() const { return m_variables; }
     unsigned freeRows() const { return m_freeRows; }
 
-    // Takes the next free row: the file is checked, the row marked used and journaled under
-    // the lock. `values` gets each variable's address and bytes. False with `why`.
+    // Takes the next row (one given back for reuse, else the next free one): the file is
+    // checked, the row journaled and a free row marked used, under the lock. `values` gets each variable's address and bytes. False with `why`.
     bool takeNextRow(unsigned *row, std::vector<std::pair<uint32_t, std::string>> *values, std::string *why);
     // The device that got `row` passed or failed; journaled under the lock. A failed
-    // device's row stays used.
+    // device's row stays used, or under "reuse" goes back.
     bool recordRow(unsigned row, bool passed, std::string *why);
     void cancelWaiting() { m_cancel = true; }
 
@@ -62,9 +65,11 @@ private:
     void checkRows(const std::vector<cCsvReader::Record> &records, size_t header);
     bool valueBytes(const TAG_CSV_SERIAL_VARIABLE &v, const std::string &value, std::string *bytes,
                     std::string *problem, bool *short_) const;
+    const cCsvReader::Record *recordAtLine(int line) const;
 
     std::string m_path;
     int m_mode;
+    KCSerialDispenser::Policy m_policy = KCSerialDispenser::Discard;
     bool m_inUse = false;
     uint64_t m_deviceSize = 0;
     std::pair<uint32_t, uint32_t> m_reserved{0, 0};

@@ -1,12 +1,29 @@
 #include "serial/cSerialJournalAudit.h"
 
+#include "serial/KCSerialJournal.h"
+
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
 #include <map>
 
 namespace {
 using Event = TAG_SERIAL_JOURNAL_EVENT;
 const char *const Reuse = "reuse";
+const char *const Series = "series";
+
+// A station of this host whose process is gone.
+bool isDeadLocalStation(const std::string &station, const std::string &self)
+{
+    const size_t colon = station.rfind(':');
+    const size_t selfColon = self.rfind(':');
+    if (colon == std::string::npos || station.compare(0, colon, self, 0, selfColon) != 0)
+        return false;
+    const long pid = std::strtol(station.c_str() + colon + 1, nullptr, 10);
+    return pid > 0 && ::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH;
 }
+} // namespace
 
 cSerialJournalAudit::cSerialJournalAudit(const std::vector<Event> &events)
 {
@@ -59,4 +76,21 @@ cSerialJournalAudit::cSerialJournalAudit(const std::vector<Event> &events)
 bool cSerialJournalAudit::isOpen(const std::string &key) const
 {
     return std::any_of(m_open.begin(), m_open.end(), [&](const Event &e) { return e.key == key; });
+}
+
+bool cSerialJournalAudit::settleOpen(KCSerialJournal &journal, const std::string &next, bool reclaim)
+{
+    if (isOpen(next) && !journal.append(Event::Abandon, next, Series))
+        return false;
+    if (!reclaim)
+        return true;
+    const std::string self = KCSerialJournal::thisStation();
+    for (const Event &e : m_open) {
+        if (e.key != next && isDeadLocalStation(e.station, self)) {
+            if (!journal.append(Event::Abandon, e.key, Reuse))
+                return false;
+            m_reuse.insert(m_reuse.begin(), e);
+        }
+    }
+    return true;
 }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+class KCSerialJournal;
+
 // What a journal says when read in order: which numbers are out at a station without a
 // result, which were handed out twice, and which failed devices gave back for reuse.
 class cSerialJournalAudit
@@ -20,6 +22,11 @@ public:
     // Numbers given back, the one to hand out next first; each with the bytes of its take.
     const std::vector<TAG_SERIAL_JOURNAL_EVENT> &reuseList() const { return m_reuse; }
     bool isOpen(const std::string &key) const;
+    // Before a take, under the file's lock: an open take of `next` (the number or row the file
+    // would hand out now) is one the file never moved past, and is marked abandoned. With
+    // `reclaim`, takes held by stations of this host whose process is gone are abandoned for
+    // reuse and go to the front of reuseList(). False when the journal cannot be written.
+    bool settleOpen(KCSerialJournal &journal, const std::string &next, bool reclaim);
     unsigned passed() const { return m_passed; }
     unsigned failed() const { return m_failed; }
 

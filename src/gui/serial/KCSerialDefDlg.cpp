@@ -102,6 +102,18 @@ KCSerialDefDlg::KCSerialDefDlg(QWidget *parent, KCDataDoc *doc) : QDialog(parent
     QWidget *endian = makePair(tr("&Big endian"), IDC_SERIAL_BIGENDIAN, tr("&Little endian"), IDC_SERIAL_LITTLEENDIAN,
                                m_big, m_little);
     form->addRow(repr);
+    // The run's policy for failed devices is stored with the serial settings, in the project.
+    auto *policy = new QWidget(numberBox);
+    auto *policyRow = new QHBoxLayout(policy);
+    policyRow->setContentsMargins(0, 0, 0, 0);
+    m_discard = addControl(new QRadioButton(tr("discard"), policy), IDC_SERIAL_DISCARD);
+    m_discard->setToolTip(tr("A failed device's number is used up"));
+    m_reuse = addControl(new QRadioButton(tr("reuse"), policy), IDC_SERIAL_REUSE);
+    m_reuse->setToolTip(tr("A failed device's number is handed out again next"));
+    policyRow->addWidget(m_discard);
+    policyRow->addWidget(m_reuse);
+    policyRow->addStretch(1);
+    form->addRow(tr("Failed device's n&umber:"), policy);
     m_preview = addControl(new QLabel(numberBox), IDC_SERIAL_PREVIEW);
     m_preview->setTextInteractionFlags(Qt::TextSelectableByMouse);
     form->addRow(tr("Next device gets:"), m_preview);
@@ -111,7 +123,7 @@ KCSerialDefDlg::KCSerialDefDlg(QWidget *parent, KCDataDoc *doc) : QDialog(parent
     m_conflict->setVisible(false);
     form->addRow(m_conflict);
     top->addWidget(numberBox);
-    m_numberControls = {m_address, m_byteCount, m_length, m_next, m_step, saveDefault, decHex, ascBin, endian};
+    m_numberControls = {m_address, m_byteCount, m_length, m_next, m_step, saveDefault, decHex, ascBin, endian, policy};
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Apply | QDialogButtonBox::Cancel, this);
     addControl(buttons->button(QDialogButtonBox::Apply), IDC_SERIAL_APPLY);
@@ -133,6 +145,8 @@ KCSerialDefDlg::KCSerialDefDlg(QWidget *parent, KCDataDoc *doc) : QDialog(parent
     connect(m_hex, &QRadioButton::clicked, this, &KCSerialDefDlg::OnSerialHEX);
     connect(m_asc, &QRadioButton::clicked, this, &KCSerialDefDlg::OnSerialASC);
     connect(m_bin, &QRadioButton::clicked, this, &KCSerialDefDlg::OnSerialBIN);
+    connect(m_discard, &QRadioButton::clicked, this, &KCSerialDefDlg::OnSerialDiscard);
+    connect(m_reuse, &QRadioButton::clicked, this, &KCSerialDefDlg::OnSerialReuse);
     connect(buttons->button(QDialogButtonBox::Apply), &QPushButton::clicked, this, &KCSerialDefDlg::OnApply);
     connect(buttons, &QDialogButtonBox::accepted, this, &KCSerialDefDlg::OnOK);
     connect(buttons, &QDialogButtonBox::rejected, this, &KCSerialDefDlg::OnCancel);
@@ -204,6 +218,8 @@ void KCSerialDefDlg::showFlags()
     m_bin->setChecked(f & KCSerialDefCtrl::FlagBin);
     m_big->setChecked(f & KCSerialDefCtrl::FlagBigEndian);
     m_little->setChecked(f & KCSerialDefCtrl::FlagLittleEndian);
+    m_discard->setChecked(!m_settings.reuseFailed());
+    m_reuse->setChecked(m_settings.reuseFailed());
 }
 
 void KCSerialDefDlg::showFirstBlock()
@@ -305,6 +321,18 @@ void KCSerialDefDlg::OnSerialDEC() { setFlag(KCSerialDefCtrl::FlagDec); }
 void KCSerialDefDlg::OnSerialHEX() { setFlag(KCSerialDefCtrl::FlagHex); }
 void KCSerialDefDlg::OnSerialASC() { setFlag(KCSerialDefCtrl::FlagAsc); }
 void KCSerialDefDlg::OnSerialBIN() { setFlag(KCSerialDefCtrl::FlagBin); }
+
+void KCSerialDefDlg::OnSerialDiscard()
+{
+    m_settings.setReuseFailed(false);
+    showFlags();
+}
+
+void KCSerialDefDlg::OnSerialReuse()
+{
+    m_settings.setReuseFailed(true);
+    showFlags();
+}
 
 void KCSerialDefDlg::OnApply()
 {

@@ -36,6 +36,8 @@ enum KCSerialDefDlgControl : int {
     IDC_SERIAL_PREVIEW = 3118,
     IDC_SERIAL_APPLY = 3119,
     IDC_SERIAL_CONFLICT = 3120, // ours: why the settings cannot write the next number
+    IDC_SERIAL_DISCARD = 3121,  // ours: a failed device's number is used up
+    IDC_SERIAL_REUSE = 3122,    // ours: a failed device's number is handed out again
 };
 
 // The serial-number dialog: which definition file, where the number goes and how it looks.
@@ -66,6 +68,8 @@ public slots:
     void OnSerialHEX();
     void OnSerialASC();
     void OnSerialBIN();
+    void OnSerialDiscard();
+    void OnSerialReuse();
     void OnApply();
     void OnOK();
     void OnCancel();
@@ -89,6 +93,7 @@ private:
     QLineEdit *m_fileName, *m_address, *m_length, *m_next, *m_step;
     QSpinBox *m_byteCount;
     QRadioButton *m_dec, *m_hex, *m_asc, *m_bin, *m_big, *m_little;
+    QRadioButton *m_discard, *m_reuse;
     QLabel *m_preview;
     QLabel *m_conflict;
     bool m_updating = false;

@@ -112,9 +112,12 @@ bool cKrlCSVSerialNumberDlg::ruleCheck()
     if (m_doc)
         handler.setDeviceSize(m_doc->GetBufferSize());
     const bool ok = handler.readCSVSerialNumberFile();
-    // Warnings are shown on success too; the handler's text unchanged, a line each.
-    for (const QString &line : QString::fromStdString(handler.getErrors()).split('\n', Qt::SkipEmptyParts))
-        addLine(line);
+    // Warnings are shown on success too, a line each. The path stands on the line above, so
+    // each line starts with its line number rather than the path again (which pushed the
+    // problem itself out of sight).
+    const QString prefix = path + ": ";
+    for (QString line : QString::fromStdString(handler.getErrors()).split('\n', Qt::SkipEmptyParts))
+        addLine(line.startsWith(prefix) ? line.mid(prefix.size()) : line);
     addLine(ok ? tr("Rule check successful.") : tr("Rule check failed."));
     return ok;
 }

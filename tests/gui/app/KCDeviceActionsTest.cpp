@@ -1,6 +1,8 @@
 // The Device menu's engine commands on the virtual device: Auto programs what Read then
-// brings back, and a production run counts its devices and journals its numbers.
+// brings back, and a production run counts its devices in the counter view, journals its
+// numbers and follows the serial settings' policy for failed devices.
 #include "KCAppHost.h"
+#include "KCDeviceCountView.h"
 #include "KCDeviceActions.h"
 #include "KCDeviceMenu.h"
 #include "KCMainFrame.h"
@@ -64,4 +66,15 @@ TEST(DeviceActions, AutoReadAndAProductionRunOnTheVirtualDevice)
     std::vector<TAG_SERIAL_JOURNAL_EVENT> events;
     KCSerialJournal(KCSerialJournal::pathFor(ser.toStdString())).read(&events);
     EXPECT_EQ(cSerialJournalAudit(events).passed(), Devices);
+
+    doc->setSerialFlags(doc->serialFlags() | KCSerialDefCtrl::FlagReuseFailed);
+    actions->setEngine("virtual", dir.filePath("chip.bin") + ",fail=1");
+    EXPECT_FALSE(actions->productionRun(2));
+    KCSerialJournal(KCSerialJournal::pathFor(ser.toStdString())).read(&events);
+    EXPECT_EQ(cSerialJournalAudit(events).reuseList().size(), 1u);
+    auto *counter = frame.findChild<KCDeviceCountView *>();
+    ASSERT_NE(counter, nullptr);
+    EXPECT_EQ(counter->model().passText(), std::to_string(Devices));
+    EXPECT_EQ(counter->model().failText(), "2");
+    EXPECT_EQ(frame.host().GetFailCount(), 2);
 }

@@ -1,5 +1,6 @@
 #include "doc/KCDataDoc.h"
 #include "serial/KCSerialDefCtrl.h"
+#include "serial/KCSerialDispenser.h"
 #include "KCSerialDefDlg.h"
 #include "KCSerialTestHost.h"
 
@@ -68,4 +69,15 @@ TEST(KCSerialDefDlg, PreviewFollowsTheRepresentationAndApplyDoesNotConsume)
     EXPECT_EQ(doc.GetData(0x21), 0x00);
     EXPECT_EQ(host.fileText(), before);
     EXPECT_TRUE(doc.IsModified());
+
+    // The policy for failed devices is applied with the representation, where the project
+    // keeps it, changes no number, and shows again in the next dialog.
+    EXPECT_TRUE(qobject_cast<QAbstractButton *>(dlg.control(IDC_SERIAL_DISCARD))->isChecked());
+    click(dlg, IDC_SERIAL_REUSE);
+    click(dlg, IDC_SERIAL_APPLY);
+    EXPECT_EQ(KCSerialDispenser::policyOf(doc.serialFlags()), KCSerialDispenser::Reuse);
+    EXPECT_EQ(preview(dlg), "AB 00 00 00");
+    KCSerialDefDlg again(nullptr, &doc);
+    EXPECT_TRUE(qobject_cast<QAbstractButton *>(again.control(IDC_SERIAL_REUSE))->isChecked());
+    EXPECT_FALSE(qobject_cast<QAbstractButton *>(again.control(IDC_SERIAL_DISCARD))->isChecked());
 }
