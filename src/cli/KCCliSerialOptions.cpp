@@ -28,14 +28,7 @@ std::unique_ptr<cKrlSerialNumberHandler> KCCliSerialOptions::openCsv(const std::
     auto csv = std::make_unique<cKrlSerialNumberHandler>(path, cKrlSerialNumberHandler::ModeLenient);
     csv->setDeviceSize(imageSize);
     csv->setPolicy(policy);
-    if (!number.defFile.empty()) {
-        // The definition file's number keeps its window: what it takes now, at most count.
-        KCSerialDefCtrl peek(host, number.defFile);
-        unsigned flags = number.flags, length = 0, value = 0;
-        std::string bytes;
-        if (peek.SERIAL_GetNextSerialNumber(0, &flags, &length, &value, nullptr, &bytes, 0, 1))
-            csv->setReservedRange(number.address, static_cast<unsigned>(std::min<size_t>(number.count, bytes.size())));
-    }
+    csv->reserveNumberWindow(host, number.defFile, number.flags, number.address, number.count);
     // A file that fails its rule check hands out nothing.
     if (!csv->readCSVSerialNumberFile()) {
         std::fputs(csv->getErrors().c_str(), stderr);

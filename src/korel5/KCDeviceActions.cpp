@@ -268,6 +268,16 @@ bool KCDeviceActions::productionRun(unsigned quantity)
         dispenser = std::make_unique<KCSerialDispenser>(&host, doc->serialDefPath(), doc->serialFlags());
         dispenser->setPolicy(KCSerialDispenser::policyOf(doc->serialFlags()));
     }
+    // A CSV serial project gives every device its row as well; a file that fails its rule
+    // check runs nothing.
+    std::string csvErrors;
+    cKrlSerialNumberHandler *csv = doc->prepareCsvRun(&csvErrors);
+    if (!csv && !csvErrors.empty()) {
+        host.ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + "CSV serial variables file "
+                         + doc->csvSerialData().path() + " failed its rule check; no device was programmed.");
+        host.ShowMessage(csvErrors);
+        return false;
+    }
     QProgressDialog progress(tr("Production run"), tr("Stop"), 0, ProgressMax, &m_frame);
     progress.setWindowModality(Qt::WindowModal);
     progress.setMinimumDuration(0);
@@ -275,6 +285,7 @@ bool KCDeviceActions::productionRun(unsigned quantity)
     engine->setListener(&forwarder);
     KCProductionRun run(*doc, *engine);
     run.setSerial(dispenser.get(), doc->serialAddress(), doc->serialByteCount());
+    run.setCsv(csv);
     run.setQuantity(quantity);
     // The counter view is in sight while the devices are counted.
     KCDeviceCountView *view = m_frame.findChild<KCDeviceCountView *>();

@@ -24,6 +24,7 @@
 #include "host/KCMessageMarks.h"
 #include "KCMessageWindow.h"
 #include "KCSerialDefDlg.h"
+#include "cKrlCSVSerialNumberDlg.h"
 #include "KCSettingsDialog.h"
 #include "KCStatusBar.h"
 #include "KCWorkspaceTree.h"
@@ -368,9 +369,28 @@ void KCMainFrame::createActions()
         dialog.exec();
         updateActions();
     });
+    m_csvSerialAction = new QAction(tr("CSV Serial &Variables..."), this);
+    connect(m_csvSerialAction, &QAction::triggered, this, &KCMainFrame::chooseCsvSerialFile);
     m_takeSerialAction = new QAction(tr("&Take Next Serial Number"), this);
     m_takeSerialAction->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_T));
     connect(m_takeSerialAction, &QAction::triggered, this, &KCMainFrame::takeNextSerialNumber);
+}
+
+void KCMainFrame::chooseCsvSerialFile()
+{
+    if (!m_doc)
+        return;
+    cKrlCSVSerialNumberDlg dialog(this, m_doc.get(), &m_doc->getKrlSerialNumberHandler(),
+                                  QString::fromStdString(m_doc->csvSerialData().path()));
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    std::string error;
+    KCMainProgDataExChange &host = *m_host;
+    if (m_doc->setCSVSerialProjectFile(dialog.fileName().toStdString(), error))
+        host.ShowMessage("CSV serial variables file: " + dialog.fileName().toStdString());
+    else
+        host.ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + error);
+    updateActions();
 }
 
 void KCMainFrame::takeNextSerialNumber()
@@ -459,6 +479,7 @@ void KCMainFrame::createMenus()
     buffer->addAction(m_joinAction);
     buffer->addSeparator();
     buffer->addAction(m_serialAction);
+    buffer->addAction(m_csvSerialAction);
     buffer->addAction(m_takeSerialAction);
 
     QMenu *window = menuBar()->addMenu(tr("&Window"));
@@ -865,6 +886,7 @@ void KCMainFrame::updateActions()
     m_joinAction->setEnabled(hasDoc && !m_otherDocs.empty());
     m_serialAction->setEnabled(hasDoc);
     m_takeSerialAction->setEnabled(hasDoc && m_doc->serialMode() != 0);
+    m_csvSerialAction->setEnabled(hasDoc);
     m_newWindowAction->setEnabled(hasDoc);
     m_layoutGroup->setEnabled(hasDoc);
 }

@@ -95,6 +95,7 @@ private:
     void updateUndoActions();
     void goToAddress();
     void takeNextSerialNumber();
+    void chooseCsvSerialFile();
     void updateRecentMenu();
     void saveRecentFiles();
     void save(bool askForName);
@@ -146,6 +147,7 @@ private:
     QAction *m_joinAction = nullptr;
     QAction *m_serialAction = nullptr;
     QAction *m_takeSerialAction = nullptr;
+    QAction *m_csvSerialAction = nullptr;
     QActionGroup *m_layoutGroup = nullptr;
     QMenu *m_recentMenu = nullptr;
     KCDeviceMenu *m_devices = nullptr;

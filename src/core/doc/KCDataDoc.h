@@ -146,6 +146,10 @@ public:
     // Reads the CSV file at `path` whole and makes it the project's; false, with `error`
     // naming the file, when it cannot be read or a run is using the current handler.
     bool setCSVSerialProjectFile(const std::string &path, std::string &error);
+    // The CSV handler made ready for a production run: the buffer's size, the failed-device
+    // policy and the definition file's number window set, the file read and checked. Null
+    // when the document has no CSV serial project, or when its file fails (`errors` says why).
+    cKrlSerialNumberHandler *prepareCsvRun(std::string *errors);
 
     // Writer settings (record length, line ends, header) and what the last load found.
     KCSaveOptions &saveOptions() { return m_saveOptions; }

@@ -64,3 +64,19 @@ bool KCDataDoc::setCSVSerialProjectFile(const std::string &path, std::string &er
     SetModifiedFlag(1);
     return true;
 }
+
+cKrlSerialNumberHandler *KCDataDoc::prepareCsvRun(std::string *errors)
+{
+    errors->clear();
+    if (m_csvSerial.path().empty())
+        return nullptr;
+    cKrlSerialNumberHandler &csv = *m_csvHandler;
+    csv.setDeviceSize(m_algoParam->buffer(0).size());
+    csv.setPolicy(KCSerialDispenser::policyOf(serialFlags()));
+    csv.reserveNumberWindow(m_host, serialDefPath(), serialFlags(), serialAddress(), serialByteCount());
+    if (!csv.readCSVSerialNumberFile()) {
+        *errors = csv.getErrors();
+        return nullptr;
+    }
+    return &csv;
+}

@@ -30,6 +30,17 @@ void KCProductionRun::cancel()
 
 KCProductionRun::StopReason KCProductionRun::run()
 {
+    // While devices take its rows, the CSV file is not to be swapped for another.
+    if (m_csv)
+        m_csv->setInUse(true);
+    const StopReason stop = runDevices();
+    if (m_csv)
+        m_csv->setInUse(false);
+    return stop;
+}
+
+KCProductionRun::StopReason KCProductionRun::runDevices()
+{
     m_passed = m_failed = 0;
     m_stopText.clear();
     m_engine.resetCancel();

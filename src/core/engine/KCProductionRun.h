@@ -44,6 +44,8 @@ public:
     const std::string &stopText() const { return m_stopText; }
 
 private:
+    StopReason runDevices();
+
     KCDataDoc &m_doc;
     KCEngine &m_engine;
     KCSerialDispenser *m_dispenser = nullptr;

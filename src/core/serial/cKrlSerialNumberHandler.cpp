@@ -1,5 +1,6 @@
 #include "serial/cKrlSerialNumberHandler.h"
 
+#include "serial/KCSerialDefCtrl.h"
 #include "serial/KCSerialJournal.h"
 #include "serial/cSerialDefFile.h"
 #include "serial/cSerialJournalAudit.h"
@@ -355,4 +356,17 @@ bool cKrlSerialNumberHandler::recordRow(unsigned row, bool passed, std::string *
         *why = journal.error();
     file.close();
     return ok;
+}
+
+void cKrlSerialNumberHandler::reserveNumberWindow(KCMainProgDataExChange *host, const std::string &defFile,
+                                                  unsigned flags, uint32_t address, uint32_t count)
+{
+    if (defFile.empty())
+        return;
+    // A look at the next number without taking it: its text sets the window's length.
+    KCSerialDefCtrl peek(host, defFile);
+    unsigned length = 0, value = 0;
+    std::string bytes;
+    if (peek.SERIAL_GetNextSerialNumber(0, &flags, &length, &value, nullptr, &bytes, 0, 1))
+        setReservedRange(address, static_cast<uint32_t>(std::min<size_t>(count, bytes.size())));
 }

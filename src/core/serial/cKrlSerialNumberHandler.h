@@ -40,6 +40,10 @@ public:
     void setDeviceSize(uint64_t size) { m_deviceSize = size; }
     void setReservedRange(uint32_t address, uint32_t count) { m_reserved = {address, count}; }
     void setPolicy(KCSerialDispenser::Policy policy) { m_policy = policy; }
+    // Keeps the variables out of the bytes the definition file's next number takes at
+    // `address` (at most `count` of them), when the file gives one.
+    void reserveNumberWindow(KCMainProgDataExChange *host, const std::string &defFile, unsigned flags,
+                             uint32_t address, uint32_t count);
 
     // Reads and checks the file; nonzero when it passes.
     unsigned char readCSVSerialNumberFile();

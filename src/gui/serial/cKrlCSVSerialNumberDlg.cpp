@@ -14,6 +14,9 @@
 
 namespace {
 const char *const ControlIdProperty = "controlId";
+// Wide enough for a rule check line with its value and byte count.
+constexpr int DefaultWidth = 640;
+constexpr int DefaultHeight = 360;
 }
 
 cKrlCSVSerialNumberDlg::cKrlCSVSerialNumberDlg(QWidget *parent, KCDataDoc *doc, const cKrlSerialNumberHandler *active,
@@ -45,6 +48,7 @@ cKrlCSVSerialNumberDlg::cKrlCSVSerialNumberDlg(QWidget *parent, KCDataDoc *doc, 
     checkRow->addWidget(checkButton);
     layout->addLayout(checkRow);
     layout->addWidget(buttons);
+    resize(DefaultWidth, DefaultHeight);
     connect(browseButton, &QPushButton::clicked, this, &cKrlCSVSerialNumberDlg::browse);
     connect(checkButton, &QPushButton::clicked, this, &cKrlCSVSerialNumberDlg::ruleCheck);
     connect(buttons, &QDialogButtonBox::accepted, this, [this] {

@@ -9,6 +9,7 @@
 #include "doc/KCDataDoc.h"
 #include "serial/KCSerialDefCtrl.h"
 #include "serial/KCSerialJournal.h"
+#include "serial/cKrlSerialNumberHandler.h"
 #include "serial/cSerialJournalAudit.h"
 
 #include <QAction>
@@ -77,4 +78,47 @@ TEST(DeviceActions, AutoReadAndAProductionRunOnTheVirtualDevice)
     EXPECT_EQ(counter->model().passText(), std::to_string(Devices));
     EXPECT_EQ(counter->model().failText(), "2");
     EXPECT_EQ(frame.host().GetFailCount(), 2);
+}
+
+// The CSV project chosen in korel5 gives each device of a run its row; a file that fails
+// its rule check programs nothing.
+TEST(DeviceActions, AProductionRunStampsTheCsvProjectsRows)
+{
+    QTemporaryDir dir;
+    KCMainFrame frame(dir.filePath("korel5.ini"));
+    frame.host().setInteractive(false);
+    frame.show();
+    KCDeviceActions *actions = frame.findChild<KCDeviceActions *>();
+    ASSERT_NE(actions, nullptr);
+    QAction *csvAction = nullptr;
+    for (QAction *a : frame.findChildren<QAction *>())
+        if (a->text() == "CSV Serial &Variables...")
+            csvAction = a;
+    ASSERT_NE(csvAction, nullptr);
+    EXPECT_FALSE(csvAction->isEnabled());
+    ASSERT_TRUE(frame.devices()->select("AT24C02"));
+    ASSERT_TRUE(frame.newDocument());
+    EXPECT_TRUE(csvAction->isEnabled());
+    actions->setEngine("virtual", dir.filePath("chip.bin"));
+    KCDataDoc *doc = frame.document();
+
+    const QString csvPath = dir.filePath("vars.csv");
+    QFile f(csvPath);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("#var,ID,0x20,4,asc\r\nUSED,ID\r\n,AB01\r\n,AB02\r\n,AB03\r\n");
+    f.close();
+    std::string error;
+    ASSERT_TRUE(doc->setCSVSerialProjectFile(csvPath.toStdString(), error)) << error;
+    EXPECT_TRUE(actions->productionRun(2));
+    EXPECT_EQ(doc->GetData(0x20), 'A');
+    EXPECT_EQ(doc->GetData(0x23), '2'); // the second device took the second row
+    EXPECT_FALSE(doc->getKrlSerialNumberHandler().isInUse()); // free to be swapped again
+
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    f.write("#var,ID,0x20,4,asc\r\nUSED,ID\r\n,AB01,EXTRA\r\n");
+    f.close();
+    ASSERT_TRUE(doc->setCSVSerialProjectFile(csvPath.toStdString(), error)) << error;
+    doc->FillRange(0x20, 0x23, 0xFF);
+    EXPECT_FALSE(actions->productionRun(1));
+    EXPECT_EQ(doc->GetData(0x20), 0xFF);
 }
