@@ -93,7 +93,15 @@ bool KCOptionSettingsFile::fromText(const std::string &text, TAG_UI_ALGODATA_KRL
 bool KCOptionSettingsFile::save(const std::string &path, const TAG_UI_ALGODATA_KRL3 &record,
                                 const std::string &deviceName, std::string *error)
 {
-    const std::string text = toText(record, deviceName);
+    std::string text;
+    try {
+        text = toText(record, deviceName);
+    } catch (const json::type_error &) {
+        // A text option from an older binary project need not be UTF-8; JSON cannot carry it.
+        if (error)
+            *error = path + ": cannot be written: a text option of " + deviceName + " is not UTF-8; nothing was saved";
+        return false;
+    }
     KCSaveFile file;
     bool ok = file.open(path);
     for (size_t done = 0; ok && done < text.size();) {

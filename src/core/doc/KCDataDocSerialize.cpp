@@ -170,9 +170,15 @@ void KCDataDoc::WriteKpfFile(KCArchive &ar)
     m_loadOk = 0;
     const TAG_BUFFER_PARAM *param = mainBufferParam();
     const bool job = m_projectFlag == LS_HANDLERJOB || (m_projectFlag == 0 && param->fileType == LS_HANDLERJOB);
+    std::string error;
     const std::string text = cKpf2Manager(*this, path).text(m_kpfShadow->optionBox,
                                                              job ? cKpf2Manager::WRITE_HANDLERJOB
-                                                                 : cKpf2Manager::WRITE_PROJECT);
+                                                                 : cKpf2Manager::WRITE_PROJECT,
+                                                             &error);
+    if (text.empty()) {
+        m_host->ShowMessage(mark(KCMessageMarks::Error) + error);
+        return;
+    }
     if (!ar.output().write(text.data(), text.size())) {
         m_host->ShowMessage("\xA7" "WFailed to write file: " + path);
         return;

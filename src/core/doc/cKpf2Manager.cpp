@@ -37,6 +37,29 @@ constexpr int PlacementStateCount = int(sizeof PlacementStates / sizeof *Placeme
 const char *const KindProject = "project";
 const char *const KindHandlerJob = "handler job";
 
+// The JSON pointer of the first string below `value` that is not UTF-8; empty when all are.
+std::string firstNonUtf8Text(const json &value, const std::string &at)
+{
+    if (value.is_string()) {
+        try {
+            (void)value.dump();
+        } catch (const json::type_error &) {
+            return at.empty() ? "/" : at;
+        }
+        return {};
+    }
+    if (value.is_object()) {
+        for (const auto &[key, item] : value.items())
+            if (std::string found = firstNonUtf8Text(item, at + "/" + key); !found.empty())
+                return found;
+    } else if (value.is_array()) {
+        for (size_t i = 0; i < value.size(); ++i)
+            if (std::string found = firstNonUtf8Text(value[i], at + "/" + std::to_string(i)); !found.empty())
+                return found;
+    }
+    return {};
+}
+
 // A refusal of the file: what is wrong and the JSON pointer of where.
 struct ReadError
 {
@@ -494,7 +517,7 @@ const char *cKpf2Manager::formatName()
 
 cKpf2Manager::cKpf2Manager(KCDataDoc &doc, const std::string &path) : m_doc(doc), m_path(path) {}
 
-std::string cKpf2Manager::text(int option, int flag) const
+std::string cKpf2Manager::text(int option, int flag, std::string *error) const
 {
     const cAlgoParam &algo = m_doc.AlgoParam();
     const bool job = flag == WRITE_HANDLERJOB;
@@ -555,13 +578,24 @@ std::string cKpf2Manager::text(int option, int flag) const
     root["csvSerial"] = csvSerialJson(doc.csvSerialData());
     if (job)
         root["handlerJob"] = {{"action", algo.action()}, {"optionBox", option ? 1 : 0}};
-    return root.dump(1) + "\n";
+    try {
+        return root.dump(1) + "\n";
+    } catch (const json::type_error &) {
+        // Texts come from the user, from file names and from older binary projects, which
+        // need not be UTF-8; saving them altered would change what the project names.
+        if (error)
+            *error = m_path + ": cannot be written: the text at " + firstNonUtf8Text(root, "")
+                     + " is not UTF-8; nothing was saved";
+        return {};
+    }
 }
 
 int cKpf2Manager::write(int option, int flag)
 {
     m_error.clear();
-    const std::string content = text(option, flag);
+    const std::string content = text(option, flag, &m_error);
+    if (content.empty())
+        return 0;
     KCSaveFile file;
     if (!file.open(m_path)) {
         m_error = file.errorText();

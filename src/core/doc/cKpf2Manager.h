@@ -33,8 +33,9 @@ public:
     // success; on failure the earlier file is as it was.
     int write(int option, int flag);
 
-    // The file's text as write would store it.
-    std::string text(int option, int flag) const;
+    // The file's text as write would store it. Empty, with `error` (when given) naming the
+    // place, when a text of the document is not UTF-8, which JSON cannot carry.
+    std::string text(int option, int flag, std::string *error = nullptr) const;
     // Reads project text; `name` is used in messages. Nonzero on success.
     static int parse(const std::string &text, const std::string &name, cKpf2ReadShadowData &shadow, std::string &error);
 

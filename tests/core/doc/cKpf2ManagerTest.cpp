@@ -247,3 +247,23 @@ TEST_F(ProjectFiles, NoDeviceNoProjectAndTheOldFileStays)
     EXPECT_TRUE(anyMessage(host, "\xA7WWNo Device Selected."));
     EXPECT_EQ(readAll(path), "old contents");
 }
+
+// A path from an older project or the command line need not be UTF-8; the save says where
+// and leaves the old file rather than altering the path or failing inside the JSON writer.
+TEST_F(ProjectFiles, ATextThatIsNotUtf8StopsTheSaveNamingWhere)
+{
+    KCDataDoc doc;
+    makeProject(doc);
+    doc.setSerialDefPath("/tmp/Gr\xF6\xDF" "e.ser"); // Latin-1
+    doc.SetKPFFileFlag(LS_KPF2);
+    const std::string path = dir.file("old.kpf2");
+    writeFile(path, "old contents");
+    EXPECT_FALSE(doc.OnSaveDocument(path.c_str()));
+    EXPECT_TRUE(anyMessage(host, "the text at /serial/definitionFile is not UTF-8")) << host.messages.back();
+    EXPECT_EQ(readAll(path), "old contents");
+
+    cKpf2Manager job(doc, path);
+    EXPECT_EQ(job.write(0, cKpf2Manager::WRITE_HANDLERJOB), 0);
+    EXPECT_NE(job.error().find(path + ": cannot be written"), std::string::npos) << job.error();
+    EXPECT_EQ(readAll(path), "old contents");
+}
