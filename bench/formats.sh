@@ -17,6 +17,8 @@ runs=${KRLDV_BENCH_RUNS:-3}
 [ -f "$build/CMakeCache.txt" ] || cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 cmake --build "$build" -j2 --target krlfileio_convert >/dev/null
 cmake --build "$build" -j2 --target krldv >/dev/null 2>&1 || true
+# The timings run in a scratch folder: a relative build folder is taken from here.
+build=$(cd "$build" && pwd)
 cc -O2 -o "$work/ref_ihex2bin" "$root/bench/ref_ihex2bin.c"
 
 lib=$build/bench/krlfileio_convert
