@@ -23,26 +23,42 @@
 namespace {
 constexpr uint32_t SerialAddress = 0x10;
 constexpr unsigned Devices = 3;
+
+QAction *actionNamed(const KCMainFrame &frame, const QString &text)
+{
+    for (QAction *a : frame.findChildren<QAction *>())
+        if (a->text() == text)
+            return a;
+    return nullptr;
 }
 
-TEST(DeviceActions, AutoReadAndAProductionRunOnTheVirtualDevice)
+// A frame on the virtual device; `action` is disabled until the AT24C02 document exists.
+struct DeviceFrame : testing::Test
 {
     QTemporaryDir dir;
-    KCMainFrame frame(dir.filePath("korel5.ini"));
-    frame.host().setInteractive(false);
-    frame.show();
-    KCDeviceActions *actions = frame.findChild<KCDeviceActions *>();
-    ASSERT_NE(actions, nullptr);
-    QAction *autoAction = nullptr;
-    for (QAction *a : frame.findChildren<QAction *>())
-        if (a->text() == "&Auto")
-            autoAction = a;
-    ASSERT_NE(autoAction, nullptr);
-    EXPECT_FALSE(autoAction->isEnabled()); // no device yet
-    ASSERT_TRUE(frame.devices()->select("AT24C02"));
-    ASSERT_TRUE(frame.newDocument());
-    EXPECT_TRUE(autoAction->isEnabled());
-    actions->setEngine("virtual", dir.filePath("chip.bin"));
+    KCMainFrame frame{dir.filePath("korel5.ini")};
+    KCDeviceActions *actions = nullptr;
+
+    void open(const QString &action)
+    {
+        frame.host().setInteractive(false);
+        frame.show();
+        actions = frame.findChild<KCDeviceActions *>();
+        ASSERT_NE(actions, nullptr);
+        QAction *a = actionNamed(frame, action);
+        ASSERT_NE(a, nullptr);
+        EXPECT_FALSE(a->isEnabled());
+        ASSERT_TRUE(frame.devices()->select("AT24C02"));
+        ASSERT_TRUE(frame.newDocument());
+        EXPECT_TRUE(a->isEnabled());
+        actions->setEngine("virtual", dir.filePath("chip.bin"));
+    }
+};
+} // namespace
+
+TEST_F(DeviceFrame, AutoReadAndAProductionRunOnTheVirtualDevice)
+{
+    open("&Auto");
 
     KCDataDoc *doc = frame.document();
     ASSERT_NE(doc, nullptr);
@@ -82,24 +98,9 @@ TEST(DeviceActions, AutoReadAndAProductionRunOnTheVirtualDevice)
 
 // The CSV project chosen in korel5 gives each device of a run its row; a file that fails
 // its rule check programs nothing.
-TEST(DeviceActions, AProductionRunStampsTheCsvProjectsRows)
+TEST_F(DeviceFrame, AProductionRunStampsTheCsvProjectsRows)
 {
-    QTemporaryDir dir;
-    KCMainFrame frame(dir.filePath("korel5.ini"));
-    frame.host().setInteractive(false);
-    frame.show();
-    KCDeviceActions *actions = frame.findChild<KCDeviceActions *>();
-    ASSERT_NE(actions, nullptr);
-    QAction *csvAction = nullptr;
-    for (QAction *a : frame.findChildren<QAction *>())
-        if (a->text() == "CSV Serial &Variables...")
-            csvAction = a;
-    ASSERT_NE(csvAction, nullptr);
-    EXPECT_FALSE(csvAction->isEnabled());
-    ASSERT_TRUE(frame.devices()->select("AT24C02"));
-    ASSERT_TRUE(frame.newDocument());
-    EXPECT_TRUE(csvAction->isEnabled());
-    actions->setEngine("virtual", dir.filePath("chip.bin"));
+    open("CSV Serial &Variables...");
     KCDataDoc *doc = frame.document();
 
     const QString csvPath = dir.filePath("vars.csv");
