@@ -796,7 +796,7 @@ void KCMainFrame::updateTitle()
     // The application's name follows the document's as the platform adds it: "name[*] — KOREL5".
     // A maximized subwindow would add its own title in brackets; its title bar is hidden then,
     // so it carries none while maximized.
-    const QString title = m_doc ? QString::fromStdString(m_doc->GetTitle()) : QString();
+    const QString title = m_doc ? QString::fromStdString(m_doc->displayName()) : QString();
     const QList<QMdiSubWindow *> windows = m_mdi->subWindowList();
     // Each window is named after its own document, numbered among that document's windows.
     std::vector<std::pair<KCDataDoc *, int>> seen;
@@ -809,7 +809,7 @@ void KCMainFrame::updateTitle()
         }));
         auto it = std::find_if(seen.begin(), seen.end(), [doc](const auto &p) { return p.first == doc; });
         const int number = it == seen.end() ? (seen.push_back({doc, 1}), 1) : ++it->second;
-        const QString own = doc ? QString::fromStdString(doc->GetTitle()) : QString();
+        const QString own = doc ? QString::fromStdString(doc->displayName()) : QString();
         w->setWindowTitle(w->isMaximized() ? QString() : total > 1 ? QString("%1:%2").arg(own).arg(number) : own);
     }
     setWindowTitle(m_doc ? title + "[*]" : QString());

@@ -37,7 +37,7 @@ void KCWorkspaceTree::rebuild(KCDataDoc *doc)
 void KCWorkspaceTree::addDocument(KCDataDoc *doc)
 {
     auto *root = new QTreeWidgetItem(this);
-    const QString title = QString::fromStdString(doc->GetTitle().empty() ? doc->GetFileName() : doc->GetTitle());
+    const QString title = QString::fromStdString(doc->displayName());
     root->setText(0, doc->IsModified() ? title + " *" : title);
     root->setToolTip(0, QString::fromStdString(doc->getPathName()));
     const QString size = QString::number(doc->GetBufferSize());

@@ -724,6 +724,14 @@ void KCDataDoc::UpdateTitle()
     SetTitle(GetFileName());
 }
 
+std::string KCDataDoc::displayName() const
+{
+    const std::string &path = GetPathName();
+    if (m_projectFlag != 0 && !path.empty() && path != m_ownPathName)
+        return path.substr(path.find_last_of("/\\") + 1);
+    return GetTitle().empty() ? GetFileName() : GetTitle();
+}
+
 void KCDataDoc::SetStandardAutoAction()
 {
     m_host->SetStandardAutoAction(this);

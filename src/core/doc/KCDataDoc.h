@@ -286,6 +286,9 @@ public:
     std::string GetFileName() const;
     std::string GetFilePath() const;
     void UpdateTitle();
+    // The name windows and the workspace tree show: an opened project's own file name (its
+    // title names the data file, which a project often has none of), otherwise the title.
+    std::string displayName() const;
 
     int GetKPFFileFlag() const { return m_projectFlag; }
     void SetKPFFileFlag(int flag) { m_projectFlag = flag; }

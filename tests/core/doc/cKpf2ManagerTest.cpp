@@ -96,6 +96,7 @@ TEST_F(ProjectFiles, AProjectComesBackAsItWasSaved)
     expectSameWorkspace(*back, doc);
     EXPECT_EQ(back->GetKPFFileFlag(), LS_KPF2);
     EXPECT_FALSE(back->IsModified());
+    EXPECT_EQ(back->displayName(), "line.kpf2"); // not "Untitled": a project has no data file
 
     // Saving the opened project again gives the same file, byte for byte.
     const std::string again = dir.file("again.kpf2");
