@@ -11,7 +11,7 @@ build=${1:-${KRLDV_BUILD:-$root/build}}
 work=$(mktemp -d "${TMPDIR:-/tmp}/krldv-formats.XXXXXX")
 trap 'rm -rf "$work"' EXIT INT TERM
 size_mib=${KRLDV_BENCH_MIB:-64}
-runs=${KRLDV_BENCH_RUNS:-3}
+runs=${KRLDV_BENCH_RUNS:-5}
 
 # The same optimisation as the product (make's RelWithDebInfo): -O3 makes the hex decoder slower.
 [ -f "$build/CMakeCache.txt" ] || cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
