@@ -62,6 +62,7 @@ void KCDeviceMenu::setDocument(KCDataDoc *doc)
     m_saveOptionsAction->setEnabled(device);
     m_loadOptionsAction->setEnabled(device);
     m_optionsDock->setVisible(device);
+    emit documentChanged();
 }
 
 bool KCDeviceMenu::saveOptions(const QString &path)
@@ -172,6 +173,12 @@ void KCDeviceMenu::applyTo(KCDataDoc &doc) const
 {
     if (m_device)
         doc.selectDevice(*m_device);
+}
+
+void KCDeviceMenu::applyToOpening(KCDataDoc &doc) const
+{
+    if (m_device)
+        doc.selectDeviceForFile(*m_device);
 }
 
 void KCDeviceMenu::remember(const QString &name)

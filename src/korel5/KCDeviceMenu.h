@@ -36,6 +36,8 @@ public:
     bool deselect();
     // Binds a document being made or opened to the selected device, before it loads.
     void applyTo(KCDataDoc &doc) const;
+    // The same for a document about to read a file, which keeps the file's own type.
+    void applyToOpening(KCDataDoc &doc) const;
     // Device > Select Device: the list dialog.
     void chooseDevice();
     // The document the options view edits; null before it goes.
@@ -48,6 +50,8 @@ public:
 
 signals:
     void deviceChanged();
+    // Another document became the current one (it may bring a device of its own).
+    void documentChanged();
 
 private:
     void updateRecentMenu();

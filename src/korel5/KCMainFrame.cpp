@@ -593,7 +593,7 @@ KCDocBase *KCMainFrame::openDocumentFile(const std::string &path)
     m_host->BeginWaitCursor();
     ++m_pendingDocuments;
     auto doc = std::make_unique<KCDataDoc>();
-    m_devices->applyTo(*doc); // the file loads through the device's ranges
+    m_devices->applyToOpening(*doc); // the file loads through the device's ranges
     const bool ok = doc->OnOpenDocument(path.c_str());
     --m_pendingDocuments;
     m_host->EndWaitCursor();

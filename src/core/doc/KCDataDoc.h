@@ -268,6 +268,9 @@ public:
     // follow it. 0, and the previous configuration kept, when there is no device, no device
     // window in the host, or a kind no control serves.
     int selectDevice(const DEVICE_KRLXDEF_ITEM &device);
+    // selectDevice for a document about to read a file: the type the file's extension or the
+    // Open dialog named stays, the device's default type standing in only where none was.
+    int selectDeviceForFile(const DEVICE_KRLXDEF_ITEM &device);
     KCSelectDeviceCtrlBase *SelectDeviceCtrl() const { return m_selectDeviceCtrl.get(); }
     // Back to no device; the buffer keeps its bytes.
     int deselectDeviceItem();

@@ -54,6 +54,20 @@ uint64_t KCDataDoc::definedBytesFrom(uint64_t size) const
     return m_dataMap.countIn(size, UINT64_MAX);
 }
 
+int KCDataDoc::selectDeviceForFile(const DEVICE_KRLXDEF_ITEM &device)
+{
+    TAG_BUFFER_PARAM *param = mainBufferParam();
+    const LOADSAVE_FILETYPE named = param->fileType;
+    const FILTERTYPE filter = param->filterType;
+    const int ok = selectDevice(device);
+    if (ok && filter != FILTER_ALL) {
+        param = mainBufferParam();
+        param->fileType = named;
+        param->filterType = filter;
+    }
+    return ok;
+}
+
 int KCDataDoc::selectDevice(const DEVICE_KRLXDEF_ITEM &device)
 {
     if (device.name.empty() || device.bufferSize == 0 || !m_host->HasDeviceSelectWindow())

@@ -3,6 +3,7 @@
 #include "KCFileDialog.h"
 #include "doc/KCDataDoc.h"
 #include "KCDataView.h"
+#include "KCDeviceMenu.h"
 #include "doc/KCLayoutNames.h"
 #include "KCMainFrame.h"
 #include "host/KCMessageMarks.h"
@@ -14,6 +15,7 @@
 #include "bufops/KCSplitBuffer.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMdiArea>
@@ -110,6 +112,24 @@ TEST_F(MainFrame, OpenTypeAndCloseADocument)
     EXPECT_EQ(frame->document(), nullptr);
     EXPECT_EQ(frame->statusPanes()->checksumText(), "");
     EXPECT_EQ(frame->workspaceTree()->topLevelItemCount(), 0);
+}
+
+// A device whose usual files are binary images must not read a HEX file as one: the type
+// its extension names stands over the device's default.
+TEST_F(MainFrame, AFileOpensAsItsTypeWhateverTheDevicesDefault)
+{
+    ASSERT_TRUE(frame->devices()->select("AT24C02"));
+    const QString hex = dir.filePath("small.hex");
+    QFile f(hex);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write(":0400100001020304E2\r\n:00000001FF\r\n");
+    f.close();
+    ASSERT_TRUE(frame->openFile(hex));
+    KCDataDoc *doc = frame->document();
+    EXPECT_EQ(doc->GetDeviceName(), "AT24C02");
+    EXPECT_EQ(doc->GetData(0x10), 0x01);
+    EXPECT_EQ(doc->GetData(0x13), 0x04);
+    EXPECT_EQ(doc->GetData(0), 0xFF);
 }
 
 TEST_F(MainFrame, JedecFileOpensInTheFuseMapLayout)
