@@ -69,6 +69,7 @@ KCDeviceActions::KCDeviceActions(KCMainFrame &frame, KCDeviceMenu &devices)
     : QObject(&frame), m_frame(frame), m_devices(devices)
 {
     connect(&devices, &KCDeviceMenu::deviceChanged, this, &KCDeviceActions::updateEnabled);
+    connect(&devices, &KCDeviceMenu::documentChanged, this, &KCDeviceActions::updateEnabled);
 }
 
 void KCDeviceActions::addTo(QMenu *menu)
@@ -112,7 +113,7 @@ void KCDeviceActions::addTo(QMenu *menu)
 void KCDeviceActions::updateEnabled()
 {
     for (QAction *a : m_actions)
-        a->setEnabled(m_devices.device() != nullptr);
+        a->setEnabled(device() != nullptr);
 }
 
 void KCDeviceActions::setEngine(const QString &engine, const QString &programmer)
@@ -121,9 +122,15 @@ void KCDeviceActions::setEngine(const QString &engine, const QString &programmer
     m_programmer = programmer;
 }
 
+const DEVICE_KRLXDEF_ITEM *KCDeviceActions::device() const
+{
+    const KCDataDoc *doc = m_frame.document();
+    return doc && doc->HasDeviceX() ? &doc->GetDeviceItemX() : m_devices.device();
+}
+
 QString KCDeviceActions::programmer() const
 {
-    const DEVICE_KRLXDEF_ITEM *device = m_devices.device();
+    const DEVICE_KRLXDEF_ITEM *device = this->device();
     if (!m_programmer.isEmpty() || !device)
         return m_programmer;
     // Without a programmer chosen, the device is one in a file of its own: flashrom's emulator
@@ -134,7 +141,7 @@ QString KCDeviceActions::programmer() const
 
 QString KCDeviceActions::engineName() const
 {
-    const DEVICE_KRLXDEF_ITEM *device = m_devices.device();
+    const DEVICE_KRLXDEF_ITEM *device = this->device();
     if (!m_engine.isEmpty() || !device)
         return m_engine;
     return device->engineEmulation.empty() ? KCEngineFactory::Virtual : KCEngineFactory::Flashrom;
@@ -142,7 +149,7 @@ QString KCDeviceActions::engineName() const
 
 std::unique_ptr<KCEngine> KCDeviceActions::makeEngine(QString *why)
 {
-    const DEVICE_KRLXDEF_ITEM *device = m_devices.device();
+    const DEVICE_KRLXDEF_ITEM *device = this->device();
     if (!device) {
         *why = tr("No device is selected.");
         return nullptr;

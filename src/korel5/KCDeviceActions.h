@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 
+struct DEVICE_KRLXDEF_ITEM;
 class KCDeviceMenu;
 class KCEngine;
 class KCMainFrame;
@@ -38,6 +39,9 @@ public:
     QString engineName() const;
 
 private:
+    // The current document's device: the one its image and options were made for, which an
+    // opened project brings along whatever the Device menu holds. The menu's without one.
+    const DEVICE_KRLXDEF_ITEM *device() const;
     std::unique_ptr<KCEngine> makeEngine(QString *why);
     // Runs `work` on a thread of its own while the window keeps painting; Stop cancels.
     KCEngineResult runOffThread(KCEngine &engine, const std::function<KCEngineResult()> &work);

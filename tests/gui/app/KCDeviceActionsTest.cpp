@@ -14,6 +14,7 @@
 
 #include <QAction>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -122,4 +123,30 @@ TEST_F(DeviceFrame, AProductionRunStampsTheCsvProjectsRows)
     doc->FillRange(0x20, 0x23, 0xFF);
     EXPECT_FALSE(actions->productionRun(1));
     EXPECT_EQ(doc->GetData(0x20), 0xFF);
+}
+
+// An opened project brings its own device; the engine programs that one, not the device the
+// Device menu happened to hold.
+TEST_F(DeviceFrame, TheEngineProgramsTheDocumentsOwnDevice)
+{
+    open("&Auto");
+    KCDataDoc *doc = frame.document();
+    const QString project = dir.filePath("big.kpf2");
+    {
+        KCMainFrame other(dir.filePath("other.ini"));
+        other.host().setInteractive(false);
+        ASSERT_TRUE(other.devices()->select("AT24C512"));
+        ASSERT_TRUE(other.newDocument());
+        other.document()->SetKPFFileFlag(LS_KPF2);
+        ASSERT_TRUE(other.document()->OnSaveDocument(project.toStdString().c_str()));
+        other.document()->SetModifiedFlag(0);
+    }
+    doc->SetModifiedFlag(0);
+    ASSERT_TRUE(frame.openFile(project));
+    ASSERT_EQ(frame.document()->GetDeviceName(), "AT24C512");
+    ASSERT_EQ(frame.devices()->device()->name, "AT24C02"); // the menu stays where it was
+    const QString chip = dir.filePath("chip.bin");
+    QFile::remove(chip);
+    EXPECT_TRUE(actions->runCommand(KCDeviceActions::Auto).passed());
+    EXPECT_EQ(QFileInfo(chip).size(), 65536);
 }
