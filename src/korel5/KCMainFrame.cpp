@@ -381,13 +381,14 @@ void KCMainFrame::chooseCsvSerialFile()
     if (!m_doc)
         return;
     cKrlCSVSerialNumberDlg dialog(this, m_doc.get(), &m_doc->getKrlSerialNumberHandler(),
-                                  QString::fromStdString(m_doc->csvSerialData().path()));
+                                  fromPath(m_doc->csvSerialData().path()));
     if (dialog.exec() != QDialog::Accepted)
         return;
     std::string error;
     KCMainProgDataExChange &host = *m_host;
-    if (m_doc->setCSVSerialProjectFile(dialog.fileName().toStdString(), error))
-        host.ShowMessage("CSV serial variables file: " + dialog.fileName().toStdString());
+    const std::string path = toPath(dialog.fileName());
+    if (m_doc->setCSVSerialProjectFile(path, error))
+        host.ShowMessage("CSV serial variables file: " + path);
     else
         host.ShowMessage(KCMessageMarks::prefix(KCMessageMarks::Error) + error);
     updateActions();
